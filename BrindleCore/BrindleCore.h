@@ -1,0 +1,22 @@
+#pragma once
+// Every public header of the foundation library.
+
+#include "XAssert.h"
+#include "XByteSwap.h"
+#include "XClassRegistry.h"
+#include "XException.h"
+#include "XFile.h"
+#include "XFileSpec.h"
+#include "XFileStream.h"
+#include "XInternalError.h"
+#include "XPtrVector.h"
+#include "XRefCountable.h"
+#include "XRefPtrBase.h"
+#include "XSet.h"
+#include "XStorable.h"
+#include "XStream.h"
+#include "XString.h"
+#include "XTypes.h"
+#include "XVector.h"
+#include "XVersion.h"
+#include "XVersioned.h"

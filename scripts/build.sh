@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Configures and builds the project into build/ (or $BRINDLE_BUILD_DIR).
+# Extra arguments go to CMake's configure step, e.g. -DBRINDLE_SANITIZE=ON.
+set -euo pipefail
+top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+build="${BRINDLE_BUILD_DIR:-$top/build}"
+jobs="${BRINDLE_JOBS:-$(nproc)}"
+
+"$top/scripts/install-deps.sh"
+cmake -S "$top" -B "$build" -G Ninja "$@" > "$build.configure.log" 2>&1 || {
+    cat "$build.configure.log"
+    exit 1
+}
+cmake --build "$build" -j "$jobs"
