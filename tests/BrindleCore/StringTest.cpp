@@ -126,9 +126,11 @@ TEST(ContainerTest, PtrVectorOwnsItsElements)
         items.Replace(0, new XCounted(alive));
         EXPECT_EQ(alive, 3);
         std::unique_ptr<XCounted> released(items.Release(1));
-        EXPECT_EQ(items.size(), 1u);
+        EXPECT_EQ(items.size(), 2u);
         XPtrVector<XCounted> moved(std::move(items));
-        EXPECT_EQ(alive, 2);
+        EXPECT_EQ(alive, 3);
+        moved.Clear();
+        EXPECT_EQ(alive, 1);
     }
     EXPECT_EQ(alive, 0);
 }
