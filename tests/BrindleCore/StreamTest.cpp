@@ -100,6 +100,43 @@ TEST(StreamTest, BlocksOfUnitsTurnOverOnlyAcrossOrders)
     EXPECT_EQ(little.GetBytes(), Bytes({2, 1}));
 }
 
+TEST(StreamTest, LargeSwappedBlocksRoundTrip)
+{
+    // More units than one swap chunk, so that the chunk boundaries are crossed.
+    std::vector<UInt16> shorts(10001);
+    std::vector<UInt32> longs(5003);
+    for (std::size_t i = 0; i < shorts.size(); ++i)
+        shorts[i] = static_cast<UInt16>(i * 7919);
+    for (std::size_t i = 0; i < longs.size(); ++i)
+        longs[i] = static_cast<UInt32>(i * 2654435761u);
+    XTestMemoryStream stream(kBigEndian, 1000);
+    stream.WriteBuffer16(shorts.data(), shorts.size());
+    stream.WriteBuffer32(longs.data(), longs.size());
+    std::vector<UInt8> bytes = stream.GetBytes();
+    EXPECT_EQ(bytes[2 * 5000], UInt8(shorts[5000] >> 8));
+    EXPECT_EQ(bytes[2 * 10001 + 4 * 4097 + 3], UInt8(longs[4097]));
+    stream.SeekTo(0);
+    std::vector<UInt16> shortsBack(shorts.size());
+    std::vector<UInt32> longsBack(longs.size());
+    stream.ReadBuffer16(shortsBack.data(), shortsBack.size());
+    stream.ReadBuffer32(longsBack.data(), longsBack.size());
+    EXPECT_EQ(shortsBack, shorts);
+    EXPECT_EQ(longsBack, longs);
+}
+
+TEST(StreamTest, FileSpecIsStorable)
+{
+    XFileSpec spec(XString("/data/stacks/cell 1.brs"));
+    EXPECT_EQ(spec.GetName(), "cell 1.brs");
+    EXPECT_EQ(spec.GetFolder(), "/data/stacks");
+    XTestMemoryStream stream(kLittleEndian);
+    spec.WriteStream2(stream, 0);
+    EXPECT_EQ(stream.GetBytes().size(), spec.GetStreamUsage());
+    stream.SeekTo(0);
+    XFileSpec back(stream);
+    EXPECT_EQ(back, spec);
+}
+
 TEST(StreamTest, ColoursAndStringsHaveFixedForms)
 {
     XTestMemoryStream stream(kLittleEndian);
