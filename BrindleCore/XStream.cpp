@@ -377,6 +377,8 @@ void XStream::MoveWindowTo(SInt64 aPosition)
 
 void XStream::CopyIntoWindow(const void * aBuffer, UInt64 aByteCount)
 {
+    if (aByteCount == 0)
+        return; // aBuffer may be null then
     std::memcpy(itsBuffer.data() + itsBufferPos, aBuffer, aByteCount);
     if (itsDirtyEnd == itsDirtyBegin)
     {
@@ -394,6 +396,8 @@ void XStream::CopyIntoWindow(const void * aBuffer, UInt64 aByteCount)
 
 void XStream::CopyFromWindow(void * aBuffer, UInt64 aByteCount)
 {
+    if (aByteCount == 0)
+        return; // aBuffer may be null then
     std::memcpy(aBuffer, itsBuffer.data() + itsBufferPos, aByteCount);
     itsBufferPos += aByteCount;
 }

@@ -1,5 +1,5 @@
 #pragma once
-// Fixed-width integer types of the whole project. The design's 32-bit "long" is SInt32 here.
+// Fixed-width integer types of the whole project; every 32-bit signed count or coordinate is SInt32.
 
 #include <cstddef>
 #include <cstdint>

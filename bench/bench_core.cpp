@@ -32,6 +32,7 @@ std::string GigabytesPerSecond(double aSeconds)
 const XMemoryHandle & SourceHandle()
 {
     static XMemoryHandle * sHandle = [] {
+        XMemoryHandle::RegisterClass();
         auto * handle = new XMemoryHandle(kBytes);
         XLock lock(*handle, kLockWrite);
         auto * bytes = static_cast<UInt8 *>(handle->GetData());

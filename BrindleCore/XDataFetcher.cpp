@@ -1,0 +1,5 @@
+#include "XDataFetcher.h"
+
+XDataFetcher::XDataFetcher() = default;
+
+XDataFetcher::~XDataFetcher() = default;

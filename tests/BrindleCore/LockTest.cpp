@@ -1,0 +1,461 @@
+// Locks on data: shared and exclusive modes across threads, nesting, the write-inside-own-read
+// report, fetchers and the passing of locks to owned lockables.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "XAssert.h"
+#include "XException.h"
+#include "XFileDataFetcher.h"
+#include "XLock.h"
+#include "XMemoryHandle.h"
+#include "XTestSupport.h"
+
+namespace
+{
+
+// A plain lockable with counting hooks.
+class XTestLockable : public XLockable
+{
+public:
+    mutable std::atomic<int> itsLocks{0};
+    mutable std::atomic<int> itsUnlocks{0};
+    bool itsThrowInLockSelf = false;
+
+protected:
+    void LockSelf(XLockMode) const override
+    {
+        if (itsThrowInLockSelf)
+            throw XException(kErrGeneric, "refused");
+        ++itsLocks;
+    }
+    void UnlockSelf(XLockMode) const override { ++itsUnlocks; }
+};
+
+// Fills a memory handle with a byte pattern; counts its runs.
+class XPatternFetcher : public XDataFetcher
+{
+public:
+    XPatternFetcher(UInt64 aSize, UInt8 aSeed) : itsSize(aSize), itsSeed(aSeed) {}
+    std::atomic<int> itsRuns{0};
+    std::atomic<int> itsFailuresLeft{0};
+
+protected:
+    void LoadDataSelf(XLockable & aTarget) override
+    {
+        ++itsRuns;
+        if (itsFailuresLeft > 0)
+        {
+            --itsFailuresLeft;
+            throw XException(kErrFileIO, "not yet");
+        }
+        XMemoryHandle loaded(itsSize);
+        {
+            XLock lock(loaded, kLockWrite);
+            auto * bytes = static_cast<UInt8 *>(loaded.GetData());
+            for (UInt64 i = 0; i < itsSize; ++i)
+                bytes[i] = UInt8(itsSeed + i);
+        }
+        dynamic_cast<XMemoryHandle &>(aTarget) = loaded;
+    }
+
+private:
+    UInt64 itsSize;
+    UInt8 itsSeed;
+};
+
+// A lockable that owns a handle and passes its locks on, as a volume does.
+class XOwner : public XLockable
+{
+public:
+    XMemoryHandle itsStorage;
+
+    void FetchData() const override
+    {
+        XLockable::FetchData();
+        itsStorage.FetchData();
+    }
+
+protected:
+    void LockSelf(XLockMode aMode) const override { LockFor(itsStorage, aMode); }
+    void UnlockSelf(XLockMode aMode) const override { UnlockFor(itsStorage, aMode); }
+};
+} // namespace
+
+TEST(LockTest, NestingOnOneThread)
+{
+    XTestLockable data;
+    {
+        XLock write(data, kLockReadWrite);
+        EXPECT_TRUE(data.IsWriteLockedByCurrentThread());
+        {
+            XLock readInsideWrite(data, kLockRead);
+            XLock writeInsideWrite(data, kLockWrite);
+            XLock again(data, kLockReadWrite);
+        }
+        EXPECT_TRUE(data.IsWriteLockedByCurrentThread());
+    }
+    EXPECT_FALSE(data.IsLocked());
+    {
+        XLock read(data, kLockRead);
+        XLock readInsideRead(data, kLockRead);
+        EXPECT_TRUE(data.IsLocked());
+        EXPECT_FALSE(data.IsWriteLockedByCurrentThread());
+    }
+    EXPECT_FALSE(data.IsLocked());
+    EXPECT_EQ(data.itsLocks.load(), 6);
+    EXPECT_EQ(data.itsUnlocks.load(), 6);
+}
+
+TEST(LockTest, WriteInsideOwnReadIsReported)
+{
+    XTestLockable data;
+    XLock read(data, kLockRead);
+    try
+    {
+        XLock write(data, kLockReadWrite);
+        FAIL() << "a write inside one's own read was granted";
+    }
+    catch (const XInternalError & anError)
+    {
+        EXPECT_EQ(anError.GetExpression(),
+                  "write lock asked by a thread that holds a read lock on the same data");
+    }
+    EXPECT_THROW(XLock(data, kLockWrite), XInternalError);
+    // The read is still held and ends normally.
+    EXPECT_TRUE(data.IsLocked());
+    XLock second(data, kLockRead);
+}
+
+TEST(LockTest, ReadersHoldTheLockTogether)
+{
+    XTestLockable data;
+    constexpr int kReaders = 4;
+    XTestGate inside;
+    XTestGate release;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kReaders; ++i)
+        threads.emplace_back([&] {
+            XLock lock(data, kLockRead);
+            inside.Arrive();
+            release.WaitFor(1);
+        });
+    // Every reader is inside at the same time.
+    EXPECT_TRUE(inside.WaitFor(kReaders));
+    release.Arrive();
+    for (std::thread & thread : threads)
+        thread.join();
+    EXPECT_FALSE(data.IsLocked());
+}
+
+TEST(LockTest, WriterWaitsForReaderOfAnotherThread)
+{
+    XTestLockable data;
+    int value = 0;
+    XTestGate readerIn;
+    XTestGate writerAsking;
+    XTestGate writerDone;
+    int seenByWriter = -1;
+    std::thread reader([&] {
+        XLock lock(data, kLockRead);
+        readerIn.Arrive();
+        writerAsking.WaitFor(1);
+        value = 7; // still inside the read: the writer cannot be in yet
+    });
+    ASSERT_TRUE(readerIn.WaitFor(1));
+    std::thread writer([&] {
+        writerAsking.Arrive();
+        XLock lock(data, kLockReadWrite); // another thread's read: wait, no report
+        seenByWriter = value;
+        writerDone.Arrive();
+    });
+    EXPECT_TRUE(writerDone.WaitFor(1));
+    reader.join();
+    writer.join();
+    EXPECT_EQ(seenByWriter, 7);
+}
+
+TEST(LockTest, WritersExcludeEveryone)
+{
+    XTestLockable data;
+    std::atomic<int> writersInside{0};
+    std::atomic<int> readersInside{0};
+    std::atomic<int> violations{0};
+    UInt64 counter = 0; // changed only under the write lock
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 2000;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < kRounds; ++i)
+            {
+                if ((i + t) % 3 == 0)
+                {
+                    XLock lock(data, kLockRead);
+                    ++readersInside;
+                    if (writersInside.load() != 0)
+                        ++violations;
+                    --readersInside;
+                }
+                else
+                {
+                    XLock lock(data, (i & 1) ? kLockReadWrite : kLockWrite);
+                    if (writersInside.fetch_add(1) != 0 || readersInside.load() != 0)
+                        ++violations;
+                    ++counter;
+                    {
+                        XLock nested(data, kLockRead); // nesting under contention
+                    }
+                    --writersInside;
+                }
+            }
+        });
+    for (std::thread & thread : threads)
+        thread.join();
+    EXPECT_EQ(violations.load(), 0);
+    UInt64 writes = 0;
+    for (int t = 0; t < kThreads; ++t)
+        for (int i = 0; i < kRounds; ++i)
+            writes += (i + t) % 3 != 0;
+    EXPECT_EQ(counter, writes);
+    EXPECT_FALSE(data.IsLocked());
+}
+
+TEST(LockTest, ReaderIsLetInAfterTheWriter)
+{
+    XMemoryHandle data(4);
+    XTestGate readerAsking;
+    XTestGate readerDone;
+    UInt8 seen = 0;
+    std::thread reader;
+    {
+        XLock write(data, kLockReadWrite);
+        reader = std::thread([&] {
+            readerAsking.Arrive();
+            XLock read(data, kLockRead);
+            seen = static_cast<const UInt8 *>(data.GetData())[0];
+            readerDone.Arrive();
+        });
+        ASSERT_TRUE(readerAsking.WaitFor(1));
+        static_cast<UInt8 *>(data.GetData())[0] = 42; // the reader cannot have read yet
+    }
+    EXPECT_TRUE(readerDone.WaitFor(1));
+    reader.join();
+    EXPECT_EQ(seen, 42);
+}
+
+TEST(LockTest, FailuresInLockSelfAndFetchRelease)
+{
+    XTestLockable data;
+    data.itsThrowInLockSelf = true;
+    EXPECT_THROW(XLock(data, kLockReadWrite), XException);
+    EXPECT_FALSE(data.IsLocked());
+    data.itsThrowInLockSelf = false;
+
+    XMemoryHandle handle;
+    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(8, 1));
+    fetcher->itsFailuresLeft = 1;
+    handle.SetDataFetcher(fetcher.Get());
+    EXPECT_THROW(XLock(handle, kLockRead), XException);
+    EXPECT_FALSE(handle.IsLocked());
+    EXPECT_FALSE(handle.IsDataFetched());
+    {
+        XLock lock(handle, kLockRead); // tries again
+        EXPECT_EQ(static_cast<const UInt8 *>(handle.GetData())[7], 8);
+    }
+    EXPECT_EQ(fetcher->itsRuns.load(), 2);
+}
+
+TEST(LockTest, FetcherRunsOnceAndAgainAfterPurge)
+{
+    XMemoryHandle handle;
+    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(100, 10));
+    handle.SetDataFetcher(fetcher.Get());
+    EXPECT_FALSE(handle.IsDataFetched());
+    EXPECT_EQ(fetcher->itsRuns.load(), 0);
+    {
+        XLock lock(handle, kLockRead);
+        EXPECT_EQ(handle.GetDataSize(), 100u);
+        EXPECT_EQ(static_cast<const UInt8 *>(handle.GetData())[5], 15);
+    }
+    {
+        XLock lock(handle, kLockRead);
+    }
+    EXPECT_EQ(fetcher->itsRuns.load(), 1);
+    EXPECT_EQ(handle.GetDataFetcher(), fetcher.Get()); // filling by assignment kept it
+
+    {
+        XLock lock(handle, kLockRead);
+        EXPECT_FALSE(handle.Purge()); // locked
+    }
+    EXPECT_TRUE(handle.Purge());
+    EXPECT_FALSE(handle.HasBlock());
+    EXPECT_EQ(handle.GetDataSize(), 100u);
+    EXPECT_EQ(handle.GetByte(99), UInt8(10 + 99));
+    EXPECT_EQ(fetcher->itsRuns.load(), 2);
+
+    // A write makes the bytes the handle's own: the fetcher goes and Purge refuses.
+    handle.SetByte(0, 0xEE);
+    EXPECT_EQ(handle.GetDataFetcher(), nullptr);
+    EXPECT_FALSE(handle.Purge());
+    EXPECT_EQ(handle.GetByte(0), 0xEE);
+}
+
+TEST(LockTest, PurgeLeavesARunningFetchAlone)
+{
+    // A fetcher shared by two handles; its second load waits inside until told to go on.
+    class XSlowFetcher : public XDataFetcher
+    {
+    public:
+        XTestGate itsInside;
+        XTestGate itsGo;
+        std::atomic<int> itsRuns{0};
+
+    protected:
+        void LoadDataSelf(XLockable & aTarget) override
+        {
+            if (++itsRuns == 2)
+            {
+                itsInside.Arrive();
+                itsGo.WaitFor(1);
+            }
+            XMemoryHandle loaded(2);
+            loaded.SetByte(0, 5);
+            dynamic_cast<XMemoryHandle &>(aTarget) = loaded;
+        }
+    };
+    XRefPtr<XSlowFetcher> fetcher(new XSlowFetcher);
+    XMemoryHandle first;
+    XMemoryHandle second;
+    first.SetDataFetcher(fetcher.Get());
+    second.SetDataFetcher(fetcher.Get());
+    EXPECT_EQ(first.GetByte(0), 5);
+    std::thread loader([&] { EXPECT_EQ(second.GetByte(0), 5); });
+    ASSERT_TRUE(fetcher->itsInside.WaitFor(1));
+    EXPECT_FALSE(first.Purge()); // a load through its fetcher is running
+    fetcher->itsGo.Arrive();
+    loader.join();
+    EXPECT_TRUE(first.Purge());
+    EXPECT_EQ(first.GetByte(0), 5);
+    EXPECT_EQ(fetcher->itsRuns.load(), 3);
+}
+
+TEST(LockTest, FirstLocksOnManyThreadsFetchOnce)
+{
+    XMemoryHandle handle;
+    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(4096, 0));
+    handle.SetDataFetcher(fetcher.Get());
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            XLock lock(handle, kLockRead);
+            const auto * bytes = static_cast<const UInt8 *>(handle.GetData());
+            for (UInt64 i = 0; i < 4096; ++i)
+                wrong += bytes[i] != UInt8(i);
+        });
+    for (std::thread & thread : threads)
+        thread.join();
+    EXPECT_EQ(fetcher->itsRuns.load(), 1);
+    EXPECT_EQ(wrong.load(), 0);
+}
+
+TEST(LockTest, CopiesShareTheFetcher)
+{
+    XMemoryHandle handle;
+    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(16, 100));
+    handle.SetDataFetcher(fetcher.Get());
+    XMemoryHandle copy(handle); // not fetched yet: the copy fetches on its own
+    EXPECT_EQ(copy.GetDataFetcher(), fetcher.Get());
+    EXPECT_EQ(fetcher->GetReferenceCount(), 3u);
+    EXPECT_EQ(copy.GetByte(3), 103);
+    EXPECT_EQ(handle.GetByte(3), 103);
+    EXPECT_EQ(fetcher->itsRuns.load(), 2);
+
+    XMemoryHandle plain(4);
+    plain = handle; // assignment takes the source's fetcher as well
+    EXPECT_EQ(plain.GetDataFetcher(), fetcher.Get());
+    handle.SetDataFetcher(nullptr);
+    EXPECT_TRUE(handle.IsDataFetched());
+    EXPECT_EQ(fetcher->GetReferenceCount(), 3u);
+}
+
+TEST(LockTest, FileDataFetcherAsksTheCacheFirst)
+{
+    class XCachingFetcher : public XFileDataFetcher
+    {
+    public:
+        XCachingFetcher() : XFileDataFetcher(XFileSpec("/nonexistent/data.bin")) {}
+        int itsFileLoads = 0;
+        XString itsPathAsked;
+
+    protected:
+        bool LoadDataFromCache(XLockable & aTarget) override
+        {
+            if (!itsCache)
+                return false;
+            dynamic_cast<XMemoryHandle &>(aTarget) = *itsCache;
+            return true;
+        }
+        void LoadFromFile(const XFileSpec & aFileSpec, XLockable & aTarget) override
+        {
+            ++itsFileLoads;
+            itsPathAsked = aFileSpec.GetPath();
+            itsCache = std::make_unique<XMemoryHandle>(3);
+            itsCache->SetByte(2, 9);
+            LoadDataFromCache(aTarget);
+        }
+
+    private:
+        std::unique_ptr<XMemoryHandle> itsCache;
+    };
+
+    XRefPtr<XCachingFetcher> fetcher(new XCachingFetcher);
+    XMemoryHandle first;
+    XMemoryHandle second;
+    first.SetDataFetcher(fetcher.Get());
+    second.SetDataFetcher(fetcher.Get());
+    EXPECT_EQ(first.GetByte(2), 9);
+    EXPECT_EQ(second.GetByte(2), 9);
+    EXPECT_EQ(fetcher->itsFileLoads, 1);
+    EXPECT_EQ(fetcher->itsPathAsked, XString("/nonexistent/data.bin"));
+    EXPECT_TRUE(first.IsShared()); // both share the cached block
+}
+
+TEST(LockTest, OwnerPassesItsLockToTheHandle)
+{
+    XOwner owner;
+    owner.itsStorage = XMemoryHandle(8);
+    owner.itsStorage.SetByte(0, 5);
+    XMemoryHandle outside(owner.itsStorage);
+    EXPECT_TRUE(outside.IsShared());
+    {
+        XLock lock(owner, kLockReadWrite); // unshares the owned handle, contents copied
+        EXPECT_FALSE(owner.itsStorage.IsShared());
+        static_cast<UInt8 *>(owner.itsStorage.GetData())[0] = 6;
+        // A copy taken under the owner's write lock gets bytes of its own.
+        XMemoryHandle snapshot(owner.itsStorage);
+        static_cast<UInt8 *>(owner.itsStorage.GetData())[0] = 7;
+        EXPECT_EQ(snapshot.GetByte(0), 6);
+    }
+    EXPECT_EQ(outside.GetByte(0), 5);
+    EXPECT_EQ(owner.itsStorage.GetByte(0), 7);
+
+    // A lazy handle inside an owner is fetched by the owner's first lock.
+    XOwner lazy;
+    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(4, 20));
+    lazy.itsStorage.SetDataFetcher(fetcher.Get());
+    {
+        XLock lock(lazy, kLockRead);
+        EXPECT_EQ(static_cast<const UInt8 *>(lazy.itsStorage.GetData())[1], 21);
+    }
+    EXPECT_EQ(fetcher->itsRuns.load(), 1);
+}
