@@ -2,7 +2,10 @@
 
 #include <cerrno>
 #include <cstring>
+#include <algorithm>
+#include <cstdint>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +18,11 @@ namespace
     throw XException(kErrFileIO, std::string(anAction) + " " + aSpec.GetPath().GetStdString() +
                                      ": " + std::strerror(errno));
 }
+
+// Reads smaller than this go straight through pread, and mappings are made in windows of
+// kMappingWindow bytes so that the address space a read takes stays bounded.
+constexpr UInt64 kMappedReadMinimum = 8ull << 20;
+constexpr UInt64 kMappingWindow = 64ull << 20;
 
 int OpenFlags(XFileMode aMode)
 {
@@ -51,10 +59,40 @@ XFile::~XFile()
         ::close(itsDescriptor);
 }
 
+UInt64 XFile::ReadThroughMapping(SInt64 anOffset, UInt8 * aBuffer, UInt64 aByteCount) const
+{
+    auto skew = (reinterpret_cast<std::uintptr_t>(aBuffer) - std::uintptr_t(anOffset)) & 63;
+    if (aByteCount < kMappedReadMinimum || skew == 0 || anOffset < 0)
+        return 0;
+    // Only bytes that the file holds now are mapped: touching a mapping past the end of a file
+    // is a fault, not a short read.
+    struct stat info;
+    if (::fstat(itsDescriptor, &info) != 0 || !S_ISREG(info.st_mode) ||
+        UInt64(info.st_size) < UInt64(anOffset) + aByteCount)
+        return 0;
+    static const UInt64 sPageSize = UInt64(::sysconf(_SC_PAGESIZE));
+    UInt64 done = 0;
+    while (done < aByteCount)
+    {
+        UInt64 position = UInt64(anOffset) + done;
+        UInt64 start = position - position % sPageSize;
+        UInt64 piece = std::min(aByteCount - done, kMappingWindow);
+        UInt64 length = position - start + piece;
+        void * map = ::mmap(nullptr, length, PROT_READ, MAP_SHARED | MAP_POPULATE, itsDescriptor,
+                            off_t(start));
+        if (map == MAP_FAILED)
+            break;
+        std::memcpy(aBuffer + done, static_cast<const UInt8 *>(map) + (position - start), piece);
+        ::munmap(map, length);
+        done += piece;
+    }
+    return done;
+}
+
 UInt64 XFile::ReadAt(SInt64 anOffset, void * aBuffer, UInt64 aByteCount) const
 {
     auto * dest = static_cast<UInt8 *>(aBuffer);
-    UInt64 done = 0;
+    UInt64 done = ReadThroughMapping(anOffset, dest, aByteCount);
     while (done < aByteCount)
     {
         // Large reads go in pieces of at most 1 GiB, which every kernel accepts whole.

@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
 
+#include "XFile.h"
 #include "XFileStream.h"
 #include "XTestMemoryStream.h"
 
@@ -325,4 +327,29 @@ TEST_F(FileStreamTest, BufferedStreamAgreesWithAModel)
     std::vector<UInt8> onDisk(model.size());
     EXPECT_EQ(stream.GetFile().ReadAt(0, onDisk.data(), onDisk.size()), model.size());
     EXPECT_EQ(onDisk, model);
+}
+
+// Large reads whose buffer and file offset are skewed within a cache line are copied from a
+// mapping of the file, in windows; reads past the end come back short through the plain path.
+TEST_F(FileStreamTest, LargeSkewedReadsReturnTheFileBytes)
+{
+    constexpr UInt64 kSize = (64ull << 20) + 3 * 4096 + 123; // more than one mapping window
+    std::vector<UInt8> bytes(kSize);
+    for (UInt64 i = 0; i < kSize; ++i)
+        bytes[i] = static_cast<UInt8>((i * 2654435761ull) >> 13);
+    XFile file(itsSpec, kCreate);
+    file.WriteAt(0, bytes.data(), kSize);
+
+    std::vector<UInt8> read(kSize + 64);
+    for (SInt64 offset : {SInt64(37), SInt64(4096 + 5)})
+    {
+        UInt64 count = kSize - UInt64(offset);
+        UInt8 * dest = read.data() + 3;
+        ASSERT_EQ(file.ReadAt(offset, dest, count), count);
+        EXPECT_TRUE(std::equal(dest, dest + count, bytes.begin() + offset));
+        // Asking for more than there is gives what there is.
+        std::fill(read.begin(), read.end(), UInt8(0));
+        ASSERT_EQ(file.ReadAt(offset, dest, count + 40), count);
+        EXPECT_TRUE(std::equal(dest, dest + count, bytes.begin() + offset));
+    }
 }
