@@ -1,0 +1,163 @@
+#pragma once
+// An arbitrary set of voxels: a box, or a box with a mask volume of exactly that box holding
+// one byte a voxel. A mask voxel is set when its byte is above 127 (writers use 255 and 0).
+//
+// After any operation that ends in a crop (and while no crop lock is held) the region is in
+// canonical form: its box is the tight box of its set voxels, a region that fills its box has
+// no mask, and a region without a set voxel has no mask and all-zero bounds.
+//
+// Locking: a lock on a complex region locks its mask and caches the mask's first voxel and
+// strides, so that Contains is a box test and one byte load. Contains on a complex region is
+// valid only under a lock. Code that tests many voxels holds a read lock and reads the mask
+// through GetLockedVoxel.
+//
+// Stream form (class 109, version 1): the class word, the bounds as an X3DRect object, a flag
+// byte (0 simple, 1 complex) and, for a complex region, the mask as an XMaskVolume object.
+// Version 0 stored the mask as an XGrey8Volume.
+
+#include "X3DPointF.h"
+#include "X3DRect.h"
+#include "XLockable.h"
+#include "XStorable.h"
+
+class XMaskVolume;
+
+class X3DRegion : public XStorable, public XLockable
+{
+public:
+    static constexpr UInt32 kClassID = 109;
+
+    // Counts the set voxels of a mask.
+    class XPixelCountHelper
+    {
+    public:
+        void SetupForScan() { itsCount = 0; }
+        void ScanPixel(UInt8 aByte)
+        {
+            if (aByte > 127)
+                ++itsCount;
+        }
+        void FinishedScanning() {}
+        UInt32 GetPixelCount() const { return itsCount; }
+
+    private:
+        UInt32 itsCount = 0;
+    };
+
+    // Finds the tight box and the count of the set voxels of a mask.
+    class XCropHelper
+    {
+    public:
+        void SetupForScan(const X3DRect & aBounds);
+        void ScanPixel(UInt8 aByte, SInt32 aX, SInt32 aY, SInt32 aZ)
+        {
+            if (aByte <= 127)
+                return;
+            itsMinX = aX < itsMinX ? aX : itsMinX;
+            itsMaxX = aX + 1 > itsMaxX ? aX + 1 : itsMaxX;
+            itsMinY = aY < itsMinY ? aY : itsMinY;
+            itsMaxY = aY + 1 > itsMaxY ? aY + 1 : itsMaxY;
+            itsMinZ = aZ < itsMinZ ? aZ : itsMinZ;
+            itsMaxZ = aZ + 1 > itsMaxZ ? aZ + 1 : itsMaxZ;
+            ++itsCount;
+            itsEmpty = false;
+        }
+        void FinishedScanning() {}
+        // The box of the set voxels, all zero when there is none.
+        X3DRect GetLimit() const;
+        // True when the set voxels fill their box.
+        bool IsRect() const { return GetLimit().GetVolume() == UInt64(itsCount); }
+        bool IsEmpty() const { return itsEmpty; }
+        UInt32 GetCount() const { return itsCount; }
+
+    private:
+        SInt32 itsMinY = 0, itsMinX = 0, itsMaxX = 0, itsMaxY = 0, itsMinZ = 0, itsMaxZ = 0;
+        UInt32 itsCount = 0;
+        bool itsEmpty = true;
+    };
+
+    // The empty region, all-zero bounds.
+    X3DRegion();
+    // The box.
+    explicit X3DRegion(const X3DRect & aBox);
+    // A deep copy; crop locks and lock state are not copied.
+    X3DRegion(const X3DRegion & aRegion);
+    // The set voxels of the mask volume, cropped.
+    explicit X3DRegion(const XMaskVolume & aMask);
+    // The set voxels of the mask volume inside the box, cropped.
+    X3DRegion(const XMaskVolume & aMask, const X3DRect & aBox);
+    explicit X3DRegion(XStream & aStream);
+    ~X3DRegion() override;
+
+    X3DRegion & operator=(const X3DRegion & aRegion);
+    X3DRegion & operator=(const X3DRect & aBox);
+    X3DRegion & operator=(const XMaskVolume & aMask);
+
+    static XVersion GetClassVersion() { return XVersion(kClassID, 1); }
+    static XVersion GetSuperClassVersion() { return XVersion(48); }
+    XVersion GetVersion() const override { return GetClassVersion(); }
+    X3DRegion * Clone() const override { return new X3DRegion(*this); }
+    // The mask's usage (0 when simple), the bounds' and one byte for the flag.
+    UInt64 GetStreamUsage() const override;
+    void ReadStream2(XStream & aStream, XOptions anOptions) override;
+    void WriteStream2(XStream & aStream, XOptions anOptions) const override;
+
+    const X3DRect & GetBounds() const { return itsBounds; }
+    bool IsSimple() const { return itsMask == nullptr; }
+    bool IsComplex() const { return itsMask != nullptr; }
+    // The mask of a complex region, null for a simple one.
+    const XMaskVolume * GetMask() const { return itsMask; }
+    // True when any extent of the box is zero.
+    bool IsEmpty() const { return itsBounds.IsEmpty(); }
+    // A box test, then for a complex region the mask byte; the region must be locked.
+    bool Contains(SInt32 aX, SInt32 aY, SInt32 aZ) const
+    {
+        if (!itsBounds.Contains(aX, aY, aZ))
+            return false;
+        return itsLockedBase == nullptr || *GetLockedVoxel(aX, aY, aZ) > 127;
+    }
+    bool Contains(const X3DPoint & aPoint) const { return Contains(aPoint.x, aPoint.y, aPoint.z); }
+    // The mask byte of a voxel inside the box, while the region is locked; null for a simple
+    // region (and for any region that is not locked).
+    const UInt8 * GetLockedBase() const { return itsLockedBase; }
+    const UInt8 * GetLockedVoxel(SInt32 aX, SInt32 aY, SInt32 aZ) const
+    {
+        return itsLockedBase + UInt64(SInt64(aZ - itsBounds.GetFront())) * itsLockedPlaneBytes +
+               UInt64(SInt64(aY - itsBounds.GetTop())) * itsLockedRowBytes + UInt64(SInt64(aX - itsBounds.GetLeft()));
+    }
+    UInt64 GetLockedRowBytes() const { return itsLockedRowBytes; }
+    UInt64 GetLockedPlaneBytes() const { return itsLockedPlaneBytes; }
+    // The mask as a volume: a copy of the mask, or a mask of the box filled with 255.
+    XMaskVolume GetMaskVolume() const;
+
+    // While a crop lock is held, operations leave the region as they made it; the last
+    // UnlockCrop crops.
+    void LockCrop() { ++itsCropLockCount; }
+    void UnlockCrop();
+    UInt32 GetCropLockCount() const { return itsCropLockCount; }
+
+    void FetchData() const override;
+
+protected:
+    void LockSelf(XLockMode aMode) const override;
+    void UnlockSelf(XLockMode aMode) const override;
+    // Tightens the bounds to the set voxels and drops a mask that is no longer needed; nothing
+    // for a simple region or under a crop lock.
+    void CropToFitVolume();
+
+    void ReadStream2_X3DRegion(XStream & aStream, XOptions anOptions);
+    void WriteStream2_X3DRegion(XStream & aStream, XOptions anOptions) const;
+
+private:
+    void ReadStreamSelf(XStream & aStream, const XVersion & aVersion, XOptions anOptions);
+    void WriteStreamSelf(XStream & aStream, XOptions anOptions) const;
+    // Replaces the mask (null for none); the old one is deleted.
+    void SetMask(XMaskVolume * aMask);
+
+    X3DRect itsBounds;
+    XMaskVolume * itsMask = nullptr;
+    UInt32 itsCropLockCount = 0;
+    mutable const UInt8 * itsLockedBase = nullptr;
+    mutable UInt64 itsLockedRowBytes = 0;
+    mutable UInt64 itsLockedPlaneBytes = 0;
+};

@@ -1,0 +1,36 @@
+#pragma once
+// What the three colour volumes share over their voxel type T: the channels a user can pick
+// (red, green, blue; alpha is never one), the alpha fill of the 32-bit types, and trilinear
+// sampling per channel. It adds no stream level.
+
+#include "XMathVector.h"
+#include "XPackedVolume.h"
+
+template <typename T>
+class XColourVolume : public XPackedVolume<T>
+{
+public:
+    // Three on every colour type, also where the voxel holds an alpha byte.
+    UInt32 GetChannelCount() const override { return 3; }
+    // "Red", "Green" and "Blue" for 1, 2 and 3; any other channel is a broken precondition.
+    XString GetChannelName(UInt32 aChannel) const override;
+
+    // The alpha byte of every voxel becomes aValue; with a region, the voxels of the volume
+    // inside the region's box take aValue where the region holds them and anOtherValue where it
+    // does not, and the rest stay.
+    void FillAlphaChannel(UInt8 aValue, const X3DRegion * aRegion, UInt8 anOtherValue)
+        requires(sizeof(T) == 4);
+    // Red, green and blue, each sampled trilinearly; the caller holds a lock.
+    XMathVectorF3 GetInterpolatedVoxel(float aX, float aY, float aZ) const
+        requires(!std::is_same_v<T, XBGRA32Colour>);
+
+protected:
+    XColourVolume(UInt32 aWidth, UInt32 aHeight, UInt32 aDepth) : XPackedVolume<T>(aWidth, aHeight, aDepth) {}
+    explicit XColourVolume(const X3DRect & aBounds) : XPackedVolume<T>(aBounds) {}
+    XColourVolume(const XColourVolume &) = default;
+    explicit XColourVolume(XStream & aStream) : XPackedVolume<T>(aStream) {}
+};
+
+extern template class XColourVolume<XARGB32Colour>;
+extern template class XColourVolume<XBGRA32Colour>;
+extern template class XColourVolume<XRGB48Colour>;

@@ -1,0 +1,58 @@
+#include "XGrey8Volume.h"
+
+#include <typeinfo>
+
+#include "XGrey8ImageRenderer.h"
+#include "XStream.h"
+
+XGrey8Volume::XGrey8Volume() : XIntegerVolume<UInt8>(X3DRect())
+{
+    AttachPlaneRenderer(new XGrey8ImageRenderer());
+}
+
+XGrey8Volume::XGrey8Volume(UInt32 aWidth, UInt32 aHeight, UInt32 aDepth)
+    : XIntegerVolume<UInt8>(aWidth, aHeight, aDepth)
+{
+    AttachPlaneRenderer(new XGrey8ImageRenderer());
+}
+
+XGrey8Volume::XGrey8Volume(const X3DRect & aBounds) : XIntegerVolume<UInt8>(aBounds)
+{
+    AttachPlaneRenderer(new XGrey8ImageRenderer());
+}
+
+XGrey8Volume::XGrey8Volume(XStream & aStream, bool aSkipVoxels) : XIntegerVolume<UInt8>(aStream)
+{
+    if (IsReadingLossyForm(aStream))
+        ReadLossyStream(aStream, !aSkipVoxels);
+    else if (!IsReadingLegacyImage(aStream))
+        ReadLevelVersion(aStream, GetClassVersion());
+    AttachPlaneRenderer(new XGrey8ImageRenderer());
+}
+
+bool XGrey8Volume::IsPlaneRendererSupported(const XImageRenderer & aRenderer) const
+{
+    return typeid(aRenderer) == typeid(XGrey8ImageRenderer);
+}
+
+void XGrey8Volume::ReadStream2(XStream & aStream, XOptions anOptions)
+{
+    ReadStream2_XGrey8Volume(aStream, anOptions);
+}
+
+void XGrey8Volume::WriteStream2(XStream & aStream, XOptions anOptions) const
+{
+    WriteStream2_XGrey8Volume(aStream, anOptions);
+}
+
+void XGrey8Volume::ReadStream2_XGrey8Volume(XStream & aStream, XOptions anOptions)
+{
+    ReadStream2_XIntegerVolume(aStream, anOptions);
+    ReadLevelVersion(aStream, GetClassVersion());
+}
+
+void XGrey8Volume::WriteStream2_XGrey8Volume(XStream & aStream, XOptions anOptions) const
+{
+    WriteStream2_XIntegerVolume(aStream, anOptions);
+    aStream.WriteVersion(GetClassVersion());
+}
