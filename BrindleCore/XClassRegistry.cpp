@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "XException.h"
+#include "XStream.h"
 
 namespace
 {
@@ -171,6 +172,7 @@ XStorable * XClassRegistry::CreateObject(XVersion aClass, XStream & aStream, XVe
 {
     XStreamCreator streamCreator = nullptr;
     XReadCreator readCreator = nullptr;
+    bool oldIdentifier = false;
     {
         XTable & table = Table();
         std::shared_lock<std::shared_mutex> guard(table.itsMutex);
@@ -180,11 +182,14 @@ XStorable * XClassRegistry::CreateObject(XVersion aClass, XStream & aStream, XVe
             streamCreator = entry->itsStreamCreator;
             readCreator = entry->itsReadCreator;
         }
+        auto found = table.itsEntries.find(aClass.GetClass());
+        oldIdentifier = found != table.itsEntries.end() && found->second.itsAliasOf != 0;
     }
+    const bool currentForm = !oldIdentifier && aStream.GetFormatMajorVersion() >= kCurrentFormMajorVersion;
+    if (readCreator != nullptr && (currentForm || streamCreator == nullptr))
+        return readCreator(aStream, aVersion, anOptions);
     if (streamCreator != nullptr)
         return streamCreator(aStream, aVersion, anOptions);
-    if (readCreator != nullptr)
-        return readCreator(aStream, aVersion, anOptions);
     throw XException(kErrUnknownClass,
                      "no reader for class " + std::to_string(aClass.GetClass()) + " (word " +
                          std::to_string(aClass.GetWord()) + ")");

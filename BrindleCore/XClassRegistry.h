@@ -4,10 +4,11 @@
 // Classes are keyed by the class part of their word (the low 16 bits). Registration happens at
 // start-up; look-ups may come from any thread.
 //
-// Choice of creator in CreateObject: the stream creator when the entry has one (the stream
-// constructors read every form of their class, old and current); otherwise the read creator
-// (new object, PreReadStream, then ReadStream2 level by level); an entry with neither raises
-// XException 1003.
+// Choice of creator in CreateObject: the read creator (new object, PreReadStream, then ReadStream2
+// level by level) for objects in the current form, that is under their current class word in a
+// stream of format 2 or later; the stream creator (the class's stream constructor, which also
+// reads the older forms) for old identifiers, for older streams, and for entries without a read
+// creator. An entry with neither raises XException 1003.
 
 #include "XStorable.h"
 #include "XString.h"
@@ -16,6 +17,9 @@
 class XClassRegistry
 {
 public:
+    // Streams from this format major version on hold objects in their current form.
+    static constexpr UInt32 kCurrentFormMajorVersion = 2;
+
     using XStreamCreator = XStorable * (*)(XStream &, const XVersion &, XStorable::XOptions);
     using XReadCreator = XStorable * (*)(XStream &, const XVersion &, XStorable::XOptions);
     using XDefaultCreator = XStorable * (*)();

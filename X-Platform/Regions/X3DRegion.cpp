@@ -6,17 +6,18 @@
 #include "XGrey8Volume.h"
 #include "XLock.h"
 #include "XMaskVolume.h"
-#include "XProgress.h"
 #include "XStream.h"
+#include "XVolumeScanner.h"
 
-void X3DRegion::XCropHelper::SetupForScan(const X3DRect & aBounds)
+void X3DRegion::XCropHelper::SetupForScan(XVolume & aVolume)
 {
-    itsMinX = aBounds.GetRight();
-    itsMaxX = aBounds.GetLeft();
-    itsMinY = aBounds.GetBottom();
-    itsMaxY = aBounds.GetTop();
-    itsMinZ = aBounds.GetBack();
-    itsMaxZ = aBounds.GetFront();
+    const X3DRect & bounds = aVolume.GetBounds();
+    itsMinX = bounds.GetRight();
+    itsMaxX = bounds.GetLeft();
+    itsMinY = bounds.GetBottom();
+    itsMaxY = bounds.GetTop();
+    itsMinZ = bounds.GetBack();
+    itsMaxZ = bounds.GetFront();
     itsCount = 0;
     itsEmpty = true;
 }
@@ -153,23 +154,7 @@ void X3DRegion::CropToFitVolume()
     if (itsMask == nullptr || itsCropLockCount > 0)
         return;
     XCropHelper helper;
-    {
-        XLock lock(*itsMask, kLockReadWrite);
-        const X3DRect & box = itsMask->GetBounds();
-        helper.SetupForScan(box);
-        XProgress progress(box.GetDepth(), XProgress::kProgressWithEstimate, 2000, false);
-        for (SInt32 z = box.GetFront(); z < box.GetBack(); ++z)
-        {
-            for (SInt32 y = box.GetTop(); y < box.GetBottom(); ++y)
-            {
-                const UInt8 * row = itsMask->GetVoxelPtr(box.GetLeft(), y, z);
-                for (SInt32 x = box.GetLeft(); x < box.GetRight(); ++x)
-                    helper.ScanPixel(row[x - box.GetLeft()], x, y, z);
-            }
-            progress.Increment();
-        }
-        helper.FinishedScanning();
-    }
+    XScanVolume(*itsMask, helper, nullptr, kLockReadWrite);
     const X3DRect limit = helper.GetLimit();
     if (helper.IsRect())
     {

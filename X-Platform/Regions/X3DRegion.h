@@ -21,37 +21,39 @@
 #include "XStorable.h"
 
 class XMaskVolume;
+class XVolume;
 
 class X3DRegion : public XStorable, public XLockable
 {
 public:
     static constexpr UInt32 kClassID = 109;
 
-    // Counts the set voxels of a mask.
+    // Counts the set voxels of a mask, under XScanVolume.
     class XPixelCountHelper
     {
     public:
-        void SetupForScan() { itsCount = 0; }
-        void ScanPixel(UInt8 aByte)
+        void SetupForScan(XVolume &) { itsCount = 0; }
+        void ScanPixel(const UInt8 * aVoxel, XVolume &, SInt32, SInt32, SInt32)
         {
-            if (aByte > 127)
+            if (*aVoxel > 127)
                 ++itsCount;
         }
-        void FinishedScanning() {}
+        void FinishedScanning(XVolume &) {}
         UInt32 GetPixelCount() const { return itsCount; }
 
     private:
         UInt32 itsCount = 0;
     };
 
-    // Finds the tight box and the count of the set voxels of a mask.
+    // Finds the tight box and the count of the set voxels of a mask, under XScanVolume.
     class XCropHelper
     {
     public:
-        void SetupForScan(const X3DRect & aBounds);
-        void ScanPixel(UInt8 aByte, SInt32 aX, SInt32 aY, SInt32 aZ)
+        // Each minimum at the far edge of the volume, each maximum at its near edge.
+        void SetupForScan(XVolume & aVolume);
+        void ScanPixel(const UInt8 * aVoxel, XVolume &, SInt32 aX, SInt32 aY, SInt32 aZ)
         {
-            if (aByte <= 127)
+            if (*aVoxel <= 127)
                 return;
             itsMinX = aX < itsMinX ? aX : itsMinX;
             itsMaxX = aX + 1 > itsMaxX ? aX + 1 : itsMaxX;
@@ -62,7 +64,7 @@ public:
             ++itsCount;
             itsEmpty = false;
         }
-        void FinishedScanning() {}
+        void FinishedScanning(XVolume &) {}
         // The box of the set voxels, all zero when there is none.
         X3DRect GetLimit() const;
         // True when the set voxels fill their box.

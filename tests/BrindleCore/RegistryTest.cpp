@@ -244,7 +244,8 @@ TEST_F(RegistryTest, ObjectsRoundTripThroughTheObjectReader)
     EXPECT_EQ(leafBack->itsA, -7);
     EXPECT_EQ(leafBack->itsB, 9);
     EXPECT_FALSE(leafBack->itsLegacy);
-    EXPECT_EQ(leafBack->itsCreatedAs, XVersion(kLeaf, 1));
+    // A current form is read level by level, not by the stream constructor.
+    EXPECT_EQ(leafBack->itsCreatedAs, XVersion());
     EXPECT_EQ(stream.ReadStorable(), nullptr);
     std::unique_ptr<XTestReadOnly> readBack(stream.ReadObjectAs<XTestReadOnly>());
     EXPECT_EQ(readBack->itsValue, 5);
@@ -274,6 +275,18 @@ TEST_F(RegistryTest, OldIdentifierStandsForTheFirstLevel)
     // Outside an old form, the direct constructor reads the word that is there.
     XTestMemoryStream direct(Words({kFlat, 31}), kLittleEndian);
     EXPECT_EQ(XTestFlat(direct).itsValue, 31);
+}
+
+TEST_F(RegistryTest, StreamConstructorsReadOlderStreams)
+{
+    // The same bytes in a stream of format 1 go through the stream constructor.
+    XTestMemoryStream stream(Words({XVersion(kLeaf, 1).GetWord(), kRoot, 3, XVersion(kLeaf, 1).GetWord(), 4}),
+                             kLittleEndian);
+    stream.SetFormatVersion(1, 0);
+    std::unique_ptr<XTestLeaf> leaf(stream.ReadObjectAs<XTestLeaf>());
+    EXPECT_EQ(leaf->itsCreatedAs, XVersion(kLeaf, 1));
+    EXPECT_EQ(leaf->itsA, 3);
+    EXPECT_EQ(leaf->itsB, 4);
 }
 
 TEST_F(RegistryTest, WrongClassAndNewerVersionsAreRefused)

@@ -1,0 +1,28 @@
+#include "XRotate90CWVolumeTool.h"
+
+#include <utility>
+
+#include "X3DRect.h"
+#include "XAssert.h"
+#include "XPlaneRotation.h"
+
+XVolume * XRotate90CWVolumeTool::MakeDestVolume(const XVolume & aSource)
+{
+    X3DRect rect;
+    rect.SetWidth(aSource.GetHeight());
+    rect.SetHeight(aSource.GetWidth());
+    rect.SetDepth(aSource.GetDepth());
+    rect.CentreOn(aSource.GetBounds());
+    return aSource.CloneWithoutCopy(rect);
+}
+
+void XRotate90CWVolumeTool::Rotate(const XBasePackedVolume & aSource, XBasePackedVolume & aDest)
+{
+    XAssertText(aSource.GetBounds().GetWidth() == aDest.GetBounds().GetHeight(),
+                "inSrc.GetBounds().GetWidth() == inDest.GetBounds().GetHeight()");
+    XAssertText(aSource.GetBounds().GetHeight() == aDest.GetBounds().GetWidth(),
+                "inSrc.GetBounds().GetHeight() == inDest.GetBounds().GetWidth()");
+    XRotatePlanes(aSource, aDest, [](UInt32 aX, UInt32 aY, UInt32, UInt32 aHeight) {
+        return std::pair<UInt32, UInt32>(aHeight - 1 - aY, aX);
+    });
+}
