@@ -34,7 +34,7 @@ XMemoryHandle XBasePackedVolume::GetStorage() const
 
 void XBasePackedVolume::SetStorage(const XMemoryHandle & aHandle)
 {
-    XAssert(aHandle.GetDataSize() >= GetVolumeBytes());
+    XAssertText(aHandle.GetDataSize() >= GetVolumeBytes(), "handle.GetDataSize() >= GetVolumeBytes()");
     itsStorage = aHandle;
 }
 

@@ -71,7 +71,7 @@ XVolume * XVolume::Clone() const
 
 XString XVolume::GetChannelName(UInt32 aChannel) const
 {
-    XAssert(aChannel == 1);
+    XAssertText(aChannel == 1, "channel == 1");
     return XString("1");
 }
 
@@ -213,7 +213,9 @@ XVolume * XVolume::Resize(const X3DRect & aRect, XScaleType aType) const
         result->Clear();
         X3DRect common = bounds;
         common &= aRect;
-        CopyOut(*result, common, common, nullptr);
+        // Rectangles that do not meet leave the new volume cleared.
+        if (!common.IsEmpty())
+            CopyOut(*result, common, common, nullptr);
         break;
     }
     }

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "XException.h"
+#include "XInternalError.h"
 #include "XTypes.h"
 
 // The number of the XException that anAction raises, or 0 when it raises none.
@@ -25,6 +26,20 @@ inline UInt32 ErrorOf(const std::function<void()> & anAction)
         return anError.GetErrorNumber();
     }
     return 0;
+}
+
+// The expression of the XInternalError that anAction raises, or "" when it raises none.
+inline std::string AssertionOf(const std::function<void()> & anAction)
+{
+    try
+    {
+        anAction();
+    }
+    catch (const XInternalError & anError)
+    {
+        return anError.GetExpression();
+    }
+    return "";
 }
 
 // Counts arrivals; WaitFor returns when the count reaches a target, or false after the bound,
