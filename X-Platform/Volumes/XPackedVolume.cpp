@@ -572,6 +572,8 @@ template <typename T>
 void XPackedVolume<T>::ReadStreamSelf(XStream & aStream, const XVersion & aVersion, XOptions anOptions)
 {
     itsRowVoxels = aStream.Read32();
+    // Whatever the object held before reading gives way to what the stream holds.
+    Storage() = XMemoryHandle();
     if (aVersion.GetVersion() != 0 && aStream.Read32() != kHandleFollows)
     {
         CheckStreamGeometry();

@@ -1,0 +1,290 @@
+// Volumes on streams: the chain of sections of each class, byte for byte; round trips of every
+// class in both byte orders; legacy forms built by hand (the old volume word without a
+// position, legacy images with their rectangle, the inverted padded mask, RGB48 from three
+// planes); and damaged streams, which must raise XException and leak nothing.
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <memory>
+
+#include "XARGB32Volume.h"
+#include "XBGRA32Volume.h"
+#include "XFPVolume.h"
+#include "XGrey16Volume.h"
+#include "XGrey32Volume.h"
+#include "XMaskVolume.h"
+#include "XRGB48Volume.h"
+#include "XTestMemoryStream.h"
+#include "XTestSupport.h"
+#include "XVolumeTestSupport.h"
+
+namespace
+{
+// Builds stream bytes in one byte order.
+class XBytes
+{
+public:
+    explicit XBytes(XByteOrder anOrder = kLittleEndian) : itsStream(anOrder) {}
+    XBytes & Words(std::initializer_list<UInt32> aWords)
+    {
+        for (UInt32 word : aWords)
+            itsStream.Write32(word);
+        return *this;
+    }
+    XBytes & Doubles(std::initializer_list<double> aValues)
+    {
+        for (double value : aValues)
+            itsStream.WriteFloat64S(value);
+        return *this;
+    }
+    XBytes & Byte(UInt8 aValue)
+    {
+        itsStream.Write8(aValue);
+        return *this;
+    }
+    // A memory-handle object holding aData and 16 zero bytes more when aTail.
+    XBytes & Handle(std::vector<UInt8> aData, bool aTail = true)
+    {
+        if (aTail)
+            aData.resize(aData.size() + 16, 0);
+        Words({33, 33});
+        itsStream.Write64S(SInt64(aData.size()));
+        Words({0});
+        itsStream.Write64S(SInt64(aData.size()));
+        itsStream.WriteBuffer8(aData.data(), aData.size());
+        return *this;
+    }
+    std::vector<UInt8> Get() { return itsStream.GetBytes(); }
+
+private:
+    XTestMemoryStream itsStream;
+};
+
+std::vector<UInt8> BytesOf(const XStorable & anObject, XByteOrder anOrder = kLittleEndian)
+{
+    XTestMemoryStream stream(anOrder);
+    stream.WriteObject(anObject);
+    return stream.GetBytes();
+}
+
+template <class T>
+std::unique_ptr<T> ReadBack(std::vector<UInt8> aBytes, XByteOrder anOrder = kLittleEndian)
+{
+    XTestMemoryStream stream(std::move(aBytes), anOrder);
+    return std::unique_ptr<T>(stream.ReadObjectAs<T>());
+}
+
+// The XVolume section of a 2 by 1 by 1 volume at (1, 2, 3) with calibrations 1, 2, 0.5, and
+// the packed level up to its handle.
+XBytes & Head(XBytes & aBytes, UInt32 anObjectWord)
+{
+    return aBytes.Words({anObjectWord, 520, 2, 1, 1, 1, 2, 3}).Doubles({1.0, 2.0, 0.5}).Words({114, 65638, 2, 0});
+}
+
+template <class V>
+V Sample(const std::vector<typename V::XVoxel> & aVoxels)
+{
+    V volume = XMakeVolume<V>(X3DRect(1, 2, 3, 3, 3, 4), aVoxels);
+    volume.SetYCalibration(2.0);
+    volume.SetZCalibration(0.5);
+    return volume;
+}
+
+UInt32 ErrorReading(std::vector<UInt8> aBytes)
+{
+    return ErrorOf([&] { ReadBack<XStorable>(std::move(aBytes)); });
+}
+} // namespace
+
+TEST(VolumeStream, EachClassWritesItsChainOfSections)
+{
+    XBytes grey8;
+    Head(grey8, 65641).Handle({7, 8}).Words({103, 65640, 65641});
+    EXPECT_EQ(BytesOf(Sample<XGrey8Volume>({7, 8})), grey8.Get());
+
+    XBytes mask;
+    Head(mask, 115).Handle({0, 255}).Words({103, 65640, 65641, 115});
+    EXPECT_EQ(BytesOf(Sample<XMaskVolume>({0, 255})), mask.Get());
+
+    XBytes grey16;
+    Head(grey16, 106).Handle({1, 2, 3, 4}).Words({103, 65640, 106});
+    EXPECT_EQ(BytesOf(Sample<XGrey16Volume>({0x0201, 0x0403})), grey16.Get());
+
+    XBytes grey32;
+    Head(grey32, 111).Handle({1, 0, 0, 0, 2, 0, 0, 0}).Words({103, 65640});
+    EXPECT_EQ(BytesOf(Sample<XGrey32Volume>({1, 2})), grey32.Get());
+
+    XBytes real;
+    Head(real, 65643).Handle({0, 0, 0x80, 0x3F, 0, 0, 0, 0xC0}).Words({103, 65643});
+    EXPECT_EQ(BytesOf(Sample<XFPVolume>({1.0f, -2.0f})), real.Get());
+
+    XBytes argb;
+    Head(argb, 65644).Handle({1, 2, 3, 4, 5, 6, 7, 8}).Words({65644});
+    EXPECT_EQ(BytesOf(Sample<XARGB32Volume>({XARGB32Colour(1, 2, 3, 4), XARGB32Colour(5, 6, 7, 8)})), argb.Get());
+
+    XBytes bgra;
+    Head(bgra, 113).Handle({4, 3, 2, 1, 8, 7, 6, 5});
+    EXPECT_EQ(BytesOf(Sample<XBGRA32Volume>({XBGRA32Colour(1, 2, 3, 4), XBGRA32Colour(5, 6, 7, 8)})), bgra.Get());
+
+    XBytes rgb48;
+    Head(rgb48, 112).Handle({1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0}).Words({112});
+    EXPECT_EQ(BytesOf(Sample<XRGB48Volume>({XRGB48Colour(1, 2, 3), XRGB48Colour(4, 5, 6)})), rgb48.Get());
+}
+
+TEST(VolumeStream, MultiByteVoxelsAreStoredInTheStreamsOrder)
+{
+    XBytes grey16(kBigEndian);
+    Head(grey16, 106).Handle({1, 2, 3, 4}).Words({103, 65640, 106});
+    const auto volume = Sample<XGrey16Volume>({0x0102, 0x0304});
+    EXPECT_EQ(BytesOf(volume, kBigEndian), grey16.Get());
+    EXPECT_TRUE(*ReadBack<XGrey16Volume>(grey16.Get(), kBigEndian) == volume);
+    // Byte voxels, colour bytes included, are never turned.
+    XBytes argb(kBigEndian);
+    Head(argb, 65644).Handle({1, 2, 3, 4, 5, 6, 7, 8}).Words({65644});
+    EXPECT_EQ(BytesOf(Sample<XARGB32Volume>({XARGB32Colour(1, 2, 3, 4), XARGB32Colour(5, 6, 7, 8)}), kBigEndian),
+              argb.Get());
+}
+
+TEST(VolumeStream, EveryClassRoundTripsInBothOrders)
+{
+    for (XByteOrder order : {kLittleEndian, kBigEndian})
+    {
+        auto check = [order](const XVolume & aVolume) {
+            std::unique_ptr<XVolume> back(ReadBack<XVolume>(BytesOf(aVolume, order), order));
+            ASSERT_TRUE(back);
+            EXPECT_EQ(typeid(*back), typeid(aVolume));
+            EXPECT_TRUE(*back == aVolume);
+            EXPECT_EQ(back->GetBounds(), aVolume.GetBounds());
+            EXPECT_EQ(back->GetYCalibration(), 2.0);
+            EXPECT_EQ(back->GetZCalibration(), 0.5);
+            EXPECT_EQ(back->HasPlaneRenderer(), aVolume.HasPlaneRenderer());
+        };
+        check(Sample<XGrey8Volume>({7, 8}));
+        check(Sample<XMaskVolume>({0, 255}));
+        check(Sample<XGrey16Volume>({0x0102, 65535}));
+        check(Sample<XFPVolume>({-1.5f, 1e30f}));
+        check(Sample<XARGB32Volume>({XARGB32Colour(1, 2, 3, 4), XARGB32Colour::kOrange}));
+        check(Sample<XBGRA32Volume>({XBGRA32Colour(1, 2, 3, 4), XBGRA32Colour(9)}));
+        check(Sample<XRGB48Volume>({XRGB48Colour(1, 2, 3), XRGB48Colour(65535, 256, 1)}));
+        // The 32-bit grey volume has no registered word; its stream constructor reads it.
+        const auto grey32 = Sample<XGrey32Volume>({0x01020304, 5});
+        XTestMemoryStream stream(order);
+        grey32.WriteStream2(stream, XStorable::kNormal);
+        stream.SeekTo(0);
+        XGrey32Volume back(stream);
+        EXPECT_TRUE(back == grey32);
+        // An empty volume.
+        XGrey8Volume empty(X3DRect(4, 4, 4, 4, 4, 4));
+        empty.SetYCalibration(2.0);
+        empty.SetZCalibration(0.5);
+        check(empty);
+    }
+}
+
+TEST(VolumeStream, OldVolumeWordCarriesNoPosition)
+{
+    XBytes bytes;
+    bytes.Words({65641, 101, 2, 1, 1}).Doubles({1.0, 1.0, 1.0}).Words({114, 65638, 2, 0}).Handle({5, 6});
+    bytes.Words({103, 65640, 65641});
+    const auto volume = ReadBack<XGrey8Volume>(bytes.Get());
+    EXPECT_EQ(volume->GetBounds(), X3DRect(2, 1, 1));
+    EXPECT_EQ(XGetVoxels(*volume), (std::vector<UInt8>{5, 6}));
+}
+
+TEST(VolumeStream, LegacyImagesWithTheirRectangle)
+{
+    // A legacy 8-bit image: bare rectangle (left, top, bottom, right), a flag, the voxels, and an
+    // empty table object.
+    XBytes bare;
+    bare.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words({0});
+    const auto grey = ReadBack<XGrey8Volume>(bare.Get());
+    EXPECT_EQ(typeid(*grey), typeid(XGrey8Volume));
+    EXPECT_TRUE(XVersion(4).IsA(XVersion(XVolume::kLegacyImageClassID)));
+    EXPECT_EQ(grey->GetBounds(), X3DRect(10, 20, 0, 13, 21, 1));
+    EXPECT_EQ(XGetVoxels(*grey), (std::vector<UInt8>{1, 2, 3}));
+    // The same with the rectangle stored as an object.
+    XBytes object;
+    object.Words({4, 34, 34, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words({0});
+    EXPECT_TRUE(*ReadBack<XGrey8Volume>(object.Get()) == *grey);
+    // A legacy table that this version cannot turn into a renderer is refused.
+    XBytes withTable;
+    withTable.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words({23, 65559});
+    EXPECT_NE(ErrorReading(withTable.Get()), 0u);
+
+    // A legacy colour image keeps its voxels as they were stored.
+    XBytes colour;
+    colour.Words({1, 0, 0, 1, 1}).Byte(1).Handle({9, 8, 7, 6}, false);
+    const auto argb = ReadBack<XARGB32Volume>(colour.Get());
+    EXPECT_EQ(XGetVoxels(*argb), std::vector<XARGB32Colour>{XARGB32Colour(9, 8, 7, 6)});
+}
+
+TEST(VolumeStream, LegacyMaskWasStoredInvertedWithPaddedRows)
+{
+    // 3 by 2: rows padded to 4 bytes, every byte inverted.
+    XBytes bytes;
+    bytes.Words({5, 0, 0, 2, 3}).Byte(1).Handle({0xFF, 0x00, 0x7F, 0xAA, 0x00, 0xFF, 0x80, 0xAA}, false);
+    const auto mask = ReadBack<XMaskVolume>(bytes.Get());
+    EXPECT_EQ(mask->GetBounds(), X3DRect(3, 2, 1));
+    EXPECT_EQ(XGetVoxels(*mask), (std::vector<UInt8>{0x00, 0xFF, 0x80, 0xFF, 0x00, 0x7F}));
+    EXPECT_EQ(mask->GetRowVoxels(), 3u);
+}
+
+TEST(VolumeStream, LegacyRGB48FromThreePlanes)
+{
+    for (XByteOrder order : {kLittleEndian, kBigEndian})
+    {
+        XBytes bytes(order);
+        bytes.Words({6, 0, 0, 1, 2}).Byte(0).Words({0});
+        auto plane = [&](UInt16 a, UInt16 b) {
+            std::vector<UInt8> data(4);
+            XTestMemoryStream samples(order);
+            samples.Write16(a);
+            samples.Write16(b);
+            return samples.GetBytes();
+        };
+        bytes.Handle(plane(1, 2), false).Handle(plane(300, 400), false).Handle(plane(65535, 0), false);
+        const auto volume = ReadBack<XRGB48Volume>(bytes.Get(), order);
+        EXPECT_EQ(XGetVoxels(*volume), (std::vector<XRGB48Colour>{XRGB48Colour(1, 300, 65535), XRGB48Colour(2, 400, 0)}));
+    }
+}
+
+TEST(VolumeStream, FormatWordOtherThanZeroLeavesTheVolumeWithoutVoxels)
+{
+    XBytes bytes;
+    bytes.Words({65641, 520, 2, 1, 1, 0, 0, 0}).Doubles({1.0, 1.0, 1.0}).Words({114, 65638, 2, 1, 103, 65640, 65641});
+    const auto volume = ReadBack<XGrey8Volume>(bytes.Get());
+    EXPECT_EQ(volume->GetDataSize(), 0u);
+    // Voxels that are not there cannot be locked.
+    EXPECT_EQ(ErrorOf([&] { XLock lock(*volume, kLockRead); }), UInt32(kErrDamagedStream));
+}
+
+TEST(VolumeStream, DamagedStreamsRaiseExceptions)
+{
+    XBytes good;
+    Head(good, 65641).Handle({7, 8}).Words({103, 65640, 65641});
+    const std::vector<UInt8> bytes = good.Get();
+    ASSERT_EQ(ErrorReading(bytes), 0u);
+    // Cut anywhere.
+    for (std::size_t size : {std::size_t(3), std::size_t(20), std::size_t(60), std::size_t(90), bytes.size() - 1})
+        EXPECT_NE(ErrorReading(std::vector<UInt8>(bytes.begin(), bytes.begin() + SInt64(size))), 0u) << size;
+    auto patched = [&](std::size_t aWord, UInt32 aValue) {
+        std::vector<UInt8> copy = bytes;
+        std::memcpy(copy.data() + 4 * aWord, &aValue, 4);
+        return copy;
+    };
+    // The packed level's word of another class, then of a newer version.
+    EXPECT_EQ(ErrorReading(patched(14, 34)), 1005u);
+    EXPECT_EQ(ErrorReading(patched(15, 131174)), 1015u);
+    EXPECT_EQ(ErrorReading(patched(1, 65536 + 520)), 1015u);
+    // An absurd extent, and rows shorter than the width.
+    EXPECT_EQ(ErrorReading(patched(2, 0x7FFFFFFF)), UInt32(kErrDamagedStream));
+    EXPECT_EQ(ErrorReading(patched(16, 1)), UInt32(kErrDamagedStream));
+    // A handle that claims more bytes than the stream holds.
+    EXPECT_NE(ErrorReading(patched(20, 1000000)), 0u);
+    // The memory handle replaced by a rectangle object.
+    XBytes wrongObject;
+    Head(wrongObject, 65641).Words({34, 34, 0, 0, 1, 1, 103, 65640, 65641});
+    EXPECT_EQ(ErrorReading(wrongObject.Get()), 1005u);
+}
