@@ -1,40 +1,21 @@
 #pragma once
-// The walk shared by the rotations: plane by plane, each voxel (x, y) of the source plane goes
-// to aMap(x, y) of the destination plane, where aMap gives a destination (x, y). The source is
-// locked for reading and the destination for writing; voxels move as N plain bytes. The walk
-// goes in tiles so that rotations by 90 degrees, which write down columns, stay in the cache.
+// The walks shared by the flips and rotations. Voxels move as plain bytes (1, 2, 4 or 6 a
+// voxel), plane by plane, z keeping its order; each volume is walked with its own row and
+// plane steps.
+//
+// XReverseRow copies a row back to front (the horizontal flip and the half turn). The quarter
+// turns are transpositions: the plane is cut into square blocks that are turned in vector
+// registers (scalar blocks at the edges and for 6-byte voxels), so that reads and writes both
+// run along rows.
 
-#include <algorithm>
+#include "XTypes.h"
 
-#include "XBasePackedVolume.h"
-#include "XLock.h"
-#include "XVoxelBytes.h"
+class XBasePackedVolume;
 
-template <typename Map>
-void XRotatePlanes(const XBasePackedVolume & aSource, XBasePackedVolume & aDest, Map aMap)
-{
-    XLock sourceLock(aSource, kLockRead);
-    XLock destLock(aDest, kLockWrite);
-    XDispatchVoxelBytes(UInt32(aSource.GetVoxelBytes()), [&](auto aSize) {
-        using Voxel = XVoxelBytes<decltype(aSize)::value>;
-        constexpr UInt32 kTile = 64;
-        const UInt64 sourceRow = aSource.GetRowVoxels(), destRow = aDest.GetRowVoxels();
-        const UInt32 width = aSource.GetWidth(), height = aSource.GetHeight(), depth = aSource.GetDepth();
-        for (UInt32 z = 0; z < depth; ++z)
-        {
-            const Voxel * in = reinterpret_cast<const Voxel *>(aSource.GetLayerPtr(SInt32(z)));
-            Voxel * out = reinterpret_cast<Voxel *>(aDest.GetLayerPtr(SInt32(z)));
-            for (UInt32 y0 = 0; y0 < height; y0 += kTile)
-                for (UInt32 x0 = 0; x0 < width; x0 += kTile)
-                {
-                    const UInt32 y1 = std::min(y0 + kTile, height), x1 = std::min(x0 + kTile, width);
-                    for (UInt32 y = y0; y < y1; ++y)
-                        for (UInt32 x = x0; x < x1; ++x)
-                        {
-                            const auto [dx, dy] = aMap(x, y, width, height);
-                            out[UInt64(dy) * destRow + dx] = in[UInt64(y) * sourceRow + x];
-                        }
-                }
-        }
-    });
-}
+// aWidth voxels of aVoxelBytes each: voxel x of aSource becomes voxel aWidth - 1 - x of aDest.
+void XReverseRow(const UInt8 * aSource, UInt8 * aDest, UInt32 aWidth, UInt32 aVoxelBytes);
+// The half turn: voxel (x, y) to (width - 1 - x, height - 1 - y). Locks both volumes.
+void XTurnPlanesHalf(const XBasePackedVolume & aSource, XBasePackedVolume & aDest);
+// A quarter turn. Clockwise, source row y becomes destination column height - 1 - y, read top
+// to bottom; counter-clockwise, destination column y, read bottom to top. Locks both volumes.
+void XTurnPlanesQuarter(const XBasePackedVolume & aSource, XBasePackedVolume & aDest, bool aClockwise);

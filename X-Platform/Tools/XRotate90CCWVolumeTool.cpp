@@ -1,9 +1,8 @@
 #include "XRotate90CCWVolumeTool.h"
 
-#include <utility>
-
 #include "X3DRect.h"
 #include "XAssert.h"
+#include "XBasePackedVolume.h"
 #include "XPlaneRotation.h"
 
 XVolume * XRotate90CCWVolumeTool::MakeDestVolume(const XVolume & aSource)
@@ -22,7 +21,5 @@ void XRotate90CCWVolumeTool::Rotate(const XBasePackedVolume & aSource, XBasePack
                 "inSrc.GetBounds().GetWidth() == inDest.GetBounds().GetHeight()");
     XAssertText(aSource.GetBounds().GetHeight() == aDest.GetBounds().GetWidth(),
                 "inSrc.GetBounds().GetHeight() == inDest.GetBounds().GetWidth()");
-    XRotatePlanes(aSource, aDest, [](UInt32 aX, UInt32 aY, UInt32 aWidth, UInt32) {
-        return std::pair<UInt32, UInt32>(aY, aWidth - 1 - aX);
-    });
+    XTurnPlanesQuarter(aSource, aDest, false);
 }

@@ -1,9 +1,8 @@
 #include "XRotate90CWVolumeTool.h"
 
-#include <utility>
-
 #include "X3DRect.h"
 #include "XAssert.h"
+#include "XBasePackedVolume.h"
 #include "XPlaneRotation.h"
 
 XVolume * XRotate90CWVolumeTool::MakeDestVolume(const XVolume & aSource)
@@ -22,7 +21,5 @@ void XRotate90CWVolumeTool::Rotate(const XBasePackedVolume & aSource, XBasePacke
                 "inSrc.GetBounds().GetWidth() == inDest.GetBounds().GetHeight()");
     XAssertText(aSource.GetBounds().GetHeight() == aDest.GetBounds().GetWidth(),
                 "inSrc.GetBounds().GetHeight() == inDest.GetBounds().GetWidth()");
-    XRotatePlanes(aSource, aDest, [](UInt32 aX, UInt32 aY, UInt32, UInt32 aHeight) {
-        return std::pair<UInt32, UInt32>(aHeight - 1 - aY, aX);
-    });
+    XTurnPlanesQuarter(aSource, aDest, true);
 }

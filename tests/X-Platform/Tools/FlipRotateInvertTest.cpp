@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <memory>
 
 #include "XARGB32Volume.h"
@@ -121,6 +122,55 @@ TEST(Rotate, HalfTurnTwiceRestoresAndInPlaceNeedsSquarePlanes)
     clockwise.RotateCopy(oblong, target);
     EXPECT_EQ(XGetVoxels(target), (std::vector<UInt8>{1, 2, 3}));
     EXPECT_EQ(ErrorOf([&] { delete half.ApplyTool(XGrey32Volume(X3DRect(1, 1, 1))); }), 2500u);
+}
+
+namespace
+{
+// Checks each tool on a plane large enough for the vector blocks and their ragged edges against
+// the mapping of each voxel done one at a time.
+template <class V>
+void CheckAgainstMapping(std::function<typename V::XVoxel(UInt32)> aValue)
+{
+    const UInt32 width = 37, height = 29, depth = 2;
+    std::vector<typename V::XVoxel> voxels;
+    for (UInt32 i = 0; i < width * height * depth; ++i)
+        voxels.push_back(aValue(i));
+    const auto volume = XMakeVolume<V>(X3DRect(width, height, depth), voxels);
+    auto at = [&](UInt32 x, UInt32 y, UInt32 z) { return voxels[(z * height + y) * width + x]; };
+    std::vector<typename V::XVoxel> clockwise, counter, half, mirrored;
+    for (UInt32 z = 0; z < depth; ++z)
+    {
+        // Destination (x', y') of the quarter turns is a height by width plane.
+        for (UInt32 y = 0; y < width; ++y)
+            for (UInt32 x = 0; x < height; ++x)
+            {
+                clockwise.push_back(at(y, height - 1 - x, z));
+                counter.push_back(at(width - 1 - y, x, z));
+            }
+        for (UInt32 y = 0; y < height; ++y)
+            for (UInt32 x = 0; x < width; ++x)
+            {
+                half.push_back(at(width - 1 - x, height - 1 - y, z));
+                mirrored.push_back(at(width - 1 - x, y, z));
+            }
+    }
+    XRotate90CWVolumeTool cw;
+    XRotate90CCWVolumeTool ccw;
+    XRotate180VolumeTool turn;
+    XFlipHVolumeTool flip;
+    EXPECT_TRUE(Applied(cw, volume) == clockwise);
+    EXPECT_TRUE(Applied(ccw, volume) == counter);
+    EXPECT_TRUE(Applied(turn, volume) == half);
+    EXPECT_TRUE(Applied(flip, volume) == mirrored);
+}
+} // namespace
+
+TEST(Rotate, LargePlanesOfEveryVoxelSizeMatchTheMapping)
+{
+    CheckAgainstMapping<XGrey8Volume>([](UInt32 i) { return UInt8(i * 7 + 3); });
+    CheckAgainstMapping<XGrey16Volume>([](UInt32 i) { return UInt16(i * 977 + 5); });
+    CheckAgainstMapping<XFPVolume>([](UInt32 i) { return float(i) * 0.5f; });
+    CheckAgainstMapping<XRGB48Volume>([](UInt32 i) { return XRGB48Colour(UInt16(i), UInt16(i * 3), UInt16(i * 5)); });
 }
 
 TEST(Invert, AgainstTheMaximumItKeeps)
