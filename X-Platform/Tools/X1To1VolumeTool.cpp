@@ -16,10 +16,11 @@ X1To1VolumeTool::~X1To1VolumeTool() = default;
 
 XVolume * X1To1VolumeTool::ApplyTool(const XVolume & aSource)
 {
-    XVolume * destVolume = MakeDestVolume(aSource);
-    XAssert(destVolume);
+    // The destination is released when the tool fails.
+    std::unique_ptr<XVolume> destVolume(MakeDestVolume(aSource));
+    XAssertText(destVolume != nullptr, "destVolume");
     ApplyToolSelf(aSource, *destVolume);
-    return destVolume;
+    return destVolume.release();
 }
 
 void X1To1VolumeTool::ApplyToolInPlace(XVolume & aVolume)

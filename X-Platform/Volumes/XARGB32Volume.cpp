@@ -41,17 +41,22 @@ void XARGB32Volume::ReadARGB32ImageStream(XStream & aStream, bool aDecode)
         return;
     if (GetDataSize() != 0)
         throw XException(kErrDamagedStream, "legacy JPEG colour image that also holds plain voxels");
-    Allocate();
     if (GetBounds().GetXYBounds().IsEmpty())
+    {
+        Allocate();
         return;
+    }
     SInt64 end = -1;
+    UInt64 length = aStream.GetBytesLeft();
     if (word.GetVersion() >= 2)
     {
-        const UInt32 length = aStream.Read32();
+        length = aStream.Read32();
         if (length > aStream.GetBytesLeft())
             throw XException(kErrDamagedStream, "JPEG body longer than the stream");
         end = aStream.GetPosition() + SInt64(length);
     }
+    CheckLossyLength(length);
+    Allocate();
     if (aDecode || end < 0)
         throw XException(kErrUnknownClass, "this version cannot decode JPEG-compressed volume voxels");
     aStream.SeekTo(end);

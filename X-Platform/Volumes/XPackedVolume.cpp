@@ -651,10 +651,22 @@ void XPackedVolume<T>::ReadLossyStream(XStream & aStream, bool aDecode)
         throw XException(kErrDamagedStream, "JPEG body of " + std::to_string(length) +
                                                 " bytes in a stream with fewer left");
     const SInt64 end = aStream.GetPosition() + SInt64(length);
+    CheckLossyLength(length);
     Allocate();
     if (aDecode)
         throw XException(kErrUnknownClass, "this version cannot decode JPEG-compressed volume voxels");
     aStream.SeekTo(end);
+}
+
+template <typename T>
+void XPackedVolume<T>::CheckLossyLength(UInt64 aLength) const
+{
+    // A JPEG body spends at least a few bits on each block of 8 by 8 voxels: a volume far larger
+    // than its body could hold is a damaged stream, not a reason to allocate.
+    const UInt64 voxels = CheckedProduct(GetWidth(), GetHeight(), GetDepth(), 1);
+    if (voxels / kLossyVoxelsPerByte > aLength + 1024)
+        throw XException(kErrDamagedStream, "JPEG body of " + std::to_string(aLength) + " bytes for " +
+                                                std::to_string(voxels) + " voxels");
 }
 
 template class XPackedVolume<UInt8>;

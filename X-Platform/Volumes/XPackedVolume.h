@@ -146,6 +146,10 @@ protected:
     // volume is empty, the length of the JPEG body and the body, decoded when aDecode is true
     // and stepped over otherwise.
     void ReadLossyStream(XStream & aStream, bool aDecode);
+    // Refuses a JPEG body too short for the volume that it claims to hold.
+    void CheckLossyLength(UInt64 aLength) const;
+    // More voxels than this a byte no JPEG body can describe.
+    static constexpr UInt64 kLossyVoxelsPerByte = 2048;
     void SetRowVoxels(UInt32 aRowVoxels) { itsRowVoxels = aRowVoxels; }
 
 private:

@@ -39,6 +39,11 @@ void XRGB48Volume::ReadRGB48ImageStream(XStream & aStream)
 {
     ReadClassVersion(aStream, XVersion(6));
     std::unique_ptr<XMemoryHandle> unused(aStream.ReadObjectAs<XMemoryHandle>(kNormal));
+    // The three planes that follow hold two bytes a voxel each: the stream must have them.
+    const UInt64 planeBytes = UInt64(GetWidth()) * GetHeight() * GetDepth() * 2;
+    if (planeBytes > aStream.GetBytesLeft() / 3)
+        throw XException(kErrDamagedStream, "legacy 48-bit image of " + std::to_string(planeBytes) +
+                                                " bytes a plane in a stream with fewer left");
     Storage().Resize(GetVolumeBytes());
     const bool swap = aStream.GetByteOrder() != GetByteOrderFromPlatform();
     for (UInt32 channel = 0; channel < 3; ++channel)

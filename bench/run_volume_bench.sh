@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Volumes against numpy and the memory limits, in one run, on the peers' inputs B and B8.
+#
+# Usage: bench/run_volume_bench.sh [DATA_DIR]
+#   DATA_DIR   folder with B.raw and B8.raw; made with the peers' gen_data.py when missing
+# Environment:
+#   BENCH_PEERS   the peers' folder (default: ../shared/bench-peers beside the project)
+# Installs Debian's python3-numpy when Debian's python3 lacks it, builds the project, and prints
+# one CSV table of our rows and numpy's.
+set -euo pipefail
+top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+peers="${BENCH_PEERS:-$top/../shared/bench-peers}"
+python=/usr/bin/python3
+
+if ! "$python" -c "import numpy" 2>/dev/null; then
+    sudo=""
+    [ "$(id -u)" -ne 0 ] && sudo="sudo"
+    $sudo apt-get update -q >/dev/null
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends python3-numpy >/dev/null
+fi
+
+data="${1:-$top/build/bench-data}"
+if [ ! -f "$data/B.raw" ] || [ ! -f "$data/B8.raw" ]; then
+    mkdir -p "$data"
+    "$python" "$peers/gen_data.py" "$data" >/dev/null
+fi
+
+"$top/scripts/build.sh" >/dev/null
+echo "workload,tool,threads,median_ms,min_ms,max_ms,result"
+BRINDLE_BENCH_DATA="$data" "$top/build/bench/bench_volumes" | tail -n +2
+"$python" "$top/bench/volume_peers.py" "$data"

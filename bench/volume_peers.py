@@ -1,0 +1,64 @@
+#!/usr/bin/env python3
+"""numpy doing what bench_volumes measures, on the same 512x512x64 inputs, as CSV rows.
+
+Usage: volume_peers.py DATA_DIR   (B.raw and B8.raw of the peers' gen_data.py)
+
+Timing as in the peers' scripts: one warm-up call, then REPEATS timed calls; median, min, max.
+numpy allocates its output on every call, as it does in use.
+"""
+import os
+import statistics
+import sys
+import time
+
+import numpy as np
+
+REPEATS = int(os.environ.get("BENCH_REPEATS", "7"))
+SHAPE = (64, 512, 512)
+
+
+def load(data_dir, name, dtype):
+    return np.fromfile(os.path.join(data_dir, name), dtype=np.dtype(dtype).newbyteorder("<")).reshape(SHAPE)
+
+
+def bench(fn):
+    out = fn()
+    times = []
+    for _ in range(REPEATS):
+        t0 = time.perf_counter()
+        out = fn()
+        times.append((time.perf_counter() - t0) * 1e3)
+    return out, times
+
+
+def row(workload, tool, times, result):
+    print(f"{workload},{tool},1,{statistics.median(times):.3f},{min(times):.3f},{max(times):.3f},{result}",
+          flush=True)
+
+
+def main():
+    b = load(sys.argv[1], "B.raw", np.uint16)
+    b8 = load(sys.argv[1], "B8.raw", np.uint8)
+    out, t = bench(lambda: b.copy())
+    row("V1 copy u16 512x512x64", "numpy copy", t, f"bytesum={int(out.view(np.uint8).sum(dtype=np.uint64))}")
+    out, t = bench(lambda: (b >> 8).astype(np.uint8))
+    row("W12 u16->u8 (v>>8) B", "numpy (b >> 8).astype(uint8)", t, f"sum={int(out.sum(dtype=np.uint64))}")
+    # Alpha 255 in the first byte, then red, green and blue: one little-endian 32-bit word.
+    out, t = bench(lambda: (b8.astype(np.uint32) * np.uint32(0x01010100)) | np.uint32(0xFF))
+    row("V2 u8->argb32 B8", "numpy astype(uint32) * 0x01010100 | 0xff", t,
+        f"bytesum={int(out.view(np.uint8).sum(dtype=np.uint64))}")
+    out, t = bench(lambda: (b.min(), b.max()))
+    row("W6 min+max B", "numpy min+max", t, f"min={out[0]};max={out[1]}")
+    out, t = bench(lambda: b.sum(dtype=np.uint64))
+    row("W6 sum B", "numpy sum", t, f"sum={int(out)}")
+    work = b.copy()
+
+    def add():
+        work.__iadd__(np.uint16(7))
+        return work
+    out, t = bench(add)
+    row("V3 add value u16 B", "numpy += 7 (in place)", t, f"bytes={work.nbytes}")
+
+
+if __name__ == "__main__":
+    main()
