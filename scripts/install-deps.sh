@@ -9,6 +9,8 @@ packages=(
     libgtest-dev
     libbenchmark-dev
     zlib1g-dev
+    libtiff-dev
+    libpng-dev
 )
 
 missing=()

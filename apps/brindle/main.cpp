@@ -1,19 +1,16 @@
-// brindle: the command-line tool of BrindleImaging.
-// For now it prints the library's version and checks the foundation.
+// brindle: the command-line tool of BrindleImaging. See XBrindleTool for its commands.
 
 #include <iostream>
+#include <string>
+#include <vector>
 
-#include "BrindleImaging.h"
-#include "XSelfCheck.h"
+#include "XBrindleTool.h"
+#include "XRegisterImagingClasses.h"
 
-int main()
+int main(int argc, char ** argv)
 {
-    std::cout << "BrindleImaging " << XImagingLibrary::GetVersionString().c_str() << " (built "
-              << XImagingLibrary::GetBuildDate().c_str() << ", " << XThread::GetProcessorCount()
-              << " processors)\n";
-    std::cout << "Self-check of the foundation:\n";
-    XSelfCheck check;
-    bool passed = check.Run(std::cout);
-    std::cout << (passed ? "All checks passed.\n" : "Some checks FAILED.\n");
-    return passed ? 0 : 1;
+    XRegisterImagingClasses();
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    XBrindleTool tool(std::cout, std::cerr);
+    return tool.Run(arguments);
 }
