@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs the brindle tool on its built-in sample data.
+# Installs what is missing, builds, and runs the brindle tool with the given arguments; without
+# arguments it runs the main job, `brindle demo`, which writes into ./brindle-demo.
 set -euo pipefail
 top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 export BRINDLE_BUILD_DIR="${BRINDLE_BUILD_DIR:-$top/build}"
@@ -7,4 +8,7 @@ export BRINDLE_BUILD_DIR="${BRINDLE_BUILD_DIR:-$top/build}"
     cat "$BRINDLE_BUILD_DIR.build.log"
     exit 1
 }
-"$BRINDLE_BUILD_DIR/apps/brindle/brindle" "$@"
+if [ $# -eq 0 ]; then
+    set -- demo
+fi
+exec "$BRINDLE_BUILD_DIR/apps/brindle/brindle" "$@"
