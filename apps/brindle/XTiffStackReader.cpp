@@ -21,9 +21,9 @@ namespace
 {
 static_assert(sizeof(XRGB48Colour) == 6, "RGB48 voxels are the three 16-bit samples of a TIFF pixel");
 
-// A stack may need at most this many bytes of voxels for each byte that its strips or tiles
-// take in the file (deflate reaches about 1000, LZW a little more): a damaged header that
-// claims more is refused before anything is allocated.
+// A compressed stack may need at most this many bytes of voxels for each byte of the file
+// (deflate reaches about 1000, LZW a little more), an uncompressed one no more than the file
+// holds: a damaged header that claims more is refused before anything is allocated.
 constexpr UInt64 kMaxExpansion = 4096;
 constexpr UInt64 kExpansionAllowance = 1 << 20;
 
@@ -119,7 +119,7 @@ XTiffStackReader::XTiffStackReader(const std::string & aPath) : itsPath(aPath)
         throw XCommandError(XTiffMessages::With("cannot read '" + aPath + "' as a TIFF file"));
 
     // Every page's header now, so that a stack of mixed pages fails before any voxel is read.
-    UInt64 storedBytes = 0;
+    bool compressed = false;
     UInt32 directory = 0;
     do
     {
@@ -135,7 +135,9 @@ XTiffStackReader::XTiffStackReader(const std::string & aPath) : itsPath(aPath)
                 FailPage(pageNumber, "is " + format.Describe() + ", unlike the first page (" + itsFormat.Describe() +
                                          ")");
             itsPages.push_back(directory);
-            storedBytes += GetStoredBytes();
+            UInt16 compression = COMPRESSION_NONE;
+            TIFFGetFieldDefaulted(itsTiff, TIFFTAG_COMPRESSION, &compression);
+            compressed = compressed || compression != COMPRESSION_NONE;
         }
         ++directory;
     } while (TIFFReadDirectory(itsTiff) == 1);
@@ -146,7 +148,8 @@ XTiffStackReader::XTiffStackReader(const std::string & aPath) : itsPath(aPath)
 
     const UInt64 voxelBytes = UInt64(itsFormat.itsWidth) * itsFormat.itsHeight * itsPages.size() *
                               BytesPerSample(itsFormat.itsBitsPerSample) * itsFormat.itsSamplesPerPixel;
-    if (voxelBytes > storedBytes * kMaxExpansion + kExpansionAllowance)
+    const UInt64 fileBytes = std::filesystem::file_size(aPath, error);
+    if (voxelBytes > fileBytes * (compressed ? kMaxExpansion : 1) + kExpansionAllowance)
         throw XCommandError("cannot read '" + aPath + "': it claims " + itsFormat.Describe() + " voxels on " +
                             std::to_string(itsPages.size()) + " pages, more than its data can hold");
 }
@@ -234,16 +237,6 @@ XVolumeKindID XTiffStackReader::ChooseKind(const XPageFormat & aFormat, UInt32 a
     FailPage(aPageNumber, "holds " + std::to_string(aFormat.itsSamplesPerPixel) +
                               " samples a pixel with photometric interpretation " + std::to_string(photometric) +
                               "; grey and RGB without extra channels are supported");
-}
-
-UInt64 XTiffStackReader::GetStoredBytes() const
-{
-    const bool tiled = TIFFIsTiled(itsTiff) != 0;
-    const UInt32 count = tiled ? TIFFNumberOfTiles(itsTiff) : TIFFNumberOfStrips(itsTiff);
-    UInt64 total = 0;
-    for (UInt32 i = 0; i < count; ++i)
-        total += TIFFGetStrileByteCount(itsTiff, i);
-    return total;
 }
 
 std::unique_ptr<XVolume> XTiffStackReader::Read()

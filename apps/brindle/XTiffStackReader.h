@@ -70,8 +70,6 @@ private:
     // The format of the current page; XCommandError for a type that is refused.
     XPageFormat ReadPageFormat(UInt32 aPageNumber) const;
     XVolumeKindID ChooseKind(const XPageFormat & aFormat, UInt32 aPageNumber) const;
-    // The bytes that the current page's strips or tiles take in the file.
-    UInt64 GetStoredBytes() const;
     // The voxels of the current page into layer anIndex of aVolume.
     void ReadPage(XBasePackedVolume & aVolume, UInt32 anIndex);
     void ReadStripsDirectly(UInt8 * aPlane, UInt64 aRowBytes, UInt32 aPageNumber);
