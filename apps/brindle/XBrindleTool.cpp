@@ -7,6 +7,7 @@
 #include <new>
 #include <ostream>
 
+#include "X1To1VolumeTool.h"
 #include "XCommandError.h"
 #include "XDemo.h"
 #include "XException.h"
@@ -21,7 +22,6 @@
 #include "XThread.h"
 #include "XTiffStackReader.h"
 #include "XToolsByName.h"
-#include "X1To1VolumeTool.h"
 #include "XVolumeFiles.h"
 #include "XVolumeKinds.h"
 #include "XVolumeReport.h"

@@ -1,5 +1,6 @@
 #include "XPngPlaneWriter.h"
 
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>

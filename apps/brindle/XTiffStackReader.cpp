@@ -86,6 +86,18 @@ UInt32 BytesPerSample(UInt16 aBitsPerSample)
 {
     return UInt32(aBitsPerSample) / 8;
 }
+
+// Channel aSample (0 red, 1 green, 2 blue) of a colour voxel.
+template <class Colour, typename Value>
+void SetChannel(Colour & aVoxel, SInt32 aSample, Value aValue)
+{
+    if (aSample == 0)
+        aVoxel.SetRed(aValue);
+    else if (aSample == 1)
+        aVoxel.SetGreen(aValue);
+    else
+        aVoxel.SetBlue(aValue);
+}
 } // namespace
 
 bool XTiffStackReader::XPageFormat::Matches(const XPageFormat & anOther) const
@@ -114,7 +126,8 @@ XTiffStackReader::XTiffStackReader(const std::string & aPath) : itsPath(aPath)
         throw XCommandError("cannot read '" + aPath + "': it is a folder");
 
     XTiffMessages::Begin();
-    itsTiff = TIFFOpen(aPath.c_str(), "r");
+    itsTiffHandle.reset(TIFFOpen(aPath.c_str(), "r"));
+    itsTiff = itsTiffHandle.get();
     if (itsTiff == nullptr)
         throw XCommandError(XTiffMessages::With("cannot read '" + aPath + "' as a TIFF file"));
 
@@ -154,10 +167,9 @@ XTiffStackReader::XTiffStackReader(const std::string & aPath) : itsPath(aPath)
                             std::to_string(itsPages.size()) + " pages, more than its data can hold");
 }
 
-XTiffStackReader::~XTiffStackReader()
+void XTiffStackReader::XTiffCloser::operator()(tiff * aTiff) const
 {
-    if (itsTiff != nullptr)
-        TIFFClose(itsTiff);
+    TIFFClose(aTiff);
 }
 
 const XVolumeKind & XTiffStackReader::GetKind() const
@@ -372,12 +384,7 @@ void XTiffStackReader::StoreBlock(const UInt8 * aBlock, UInt64 aBlockRowBytes, U
                 else
                 {
                     voxels[c].SetAlpha(255);
-                    if (aSample == 0)
-                        voxels[c].SetRed(source[c]);
-                    else if (aSample == 1)
-                        voxels[c].SetGreen(source[c]);
-                    else
-                        voxels[c].SetBlue(source[c]);
+                    SetChannel(voxels[c], aSample, source[c]);
                 }
             }
         }
@@ -387,14 +394,7 @@ void XTiffStackReader::StoreBlock(const UInt8 * aBlock, UInt64 aBlockRowBytes, U
             auto * voxels = reinterpret_cast<XRGB48Colour *>(row) + aX;
             const auto * samples = reinterpret_cast<const UInt16 *>(source);
             for (UInt32 c = 0; c < aColumns; ++c)
-            {
-                if (aSample == 0)
-                    voxels[c].SetRed(samples[c]);
-                else if (aSample == 1)
-                    voxels[c].SetGreen(samples[c]);
-                else
-                    voxels[c].SetBlue(samples[c]);
-            }
+                SetChannel(voxels[c], aSample, samples[c]);
         }
         else
         {

@@ -36,7 +36,6 @@ public:
     explicit XTiffStackReader(const std::string & aPath);
     XTiffStackReader(const XTiffStackReader &) = delete;
     XTiffStackReader & operator=(const XTiffStackReader &) = delete;
-    ~XTiffStackReader();
 
     UInt32 GetWidth() const { return itsFormat.itsWidth; }
     UInt32 GetHeight() const { return itsFormat.itsHeight; }
@@ -82,8 +81,14 @@ private:
     // Calibrations and display range from the first page's tags.
     void ReadCalibration(XVolume & aVolume);
 
+    struct XTiffCloser
+    {
+        void operator()(tiff * aTiff) const;
+    };
+
     std::string itsPath;
-    tiff * itsTiff = nullptr;
+    std::unique_ptr<tiff, XTiffCloser> itsTiffHandle;
+    tiff * itsTiff = nullptr; // the handle's file, for libtiff's calls
     XPageFormat itsFormat;
     std::vector<UInt32> itsPages; // the directory numbers of the full-size pages
 };

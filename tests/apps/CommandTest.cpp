@@ -92,16 +92,7 @@ TEST_F(Commands, ConvertUsesTheLibrarysConversions)
     EXPECT_EQ(VoxelsOf<XFPVolume>("f.bvol"), (std::vector<float>{0.0f, 255.0f, 256.0f, 65535.0f}));
 
     // Float -1, 0, 2, 3 shown over -1..3 into grey16: trunc((v + 1) * 65535 / 4).
-    TIFF * tiff = TIFFOpen(PathOf("r.tif").c_str(), "w");
-    ASSERT_NE(tiff, nullptr);
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 32);
-    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-    float values[] = {-1.0f, 0.0f, 2.0f, 3.0f};
-    ASSERT_EQ(TIFFWriteEncodedStrip(tiff, 0, values, sizeof(values)), tmsize_t(sizeof(values)));
-    TIFFClose(tiff);
+    XMakeRowTiff<float>(PathOf("r.tif"), {-1.0f, 0.0f, 2.0f, 3.0f}, SAMPLEFORMAT_IEEEFP);
     ASSERT_EQ(Run({"convert", "r.tif", "r16.bvol", "--type", "grey16"}).itsStatus, 0);
     EXPECT_EQ(VoxelsOf<XGrey16Volume>("r16.bvol"), (std::vector<UInt16>{0, 16383, 49151, 65535}));
 }

@@ -19,20 +19,6 @@ std::vector<UInt32> Samples(const XPngPicture & aPicture)
     return aPicture.itsSamples;
 }
 
-// A one-page grey TIFF of the given 16-bit values in one row, with ImageJ's display range.
-void MakeRow16(const std::string & aPath, const std::vector<UInt16> & aValues, const char * aDescription)
-{
-    TIFF * tiff = TIFFOpen(aPath.c_str(), "w");
-    ASSERT_NE(tiff, nullptr);
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, UInt32(aValues.size()));
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-    TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, aDescription);
-    std::vector<UInt16> row = aValues;
-    ASSERT_GT(TIFFWriteEncodedStrip(tiff, 0, row.data(), tmsize_t(row.size() * 2)), 0);
-    TIFFClose(tiff);
-}
 } // namespace
 
 using PngExport = XBrindleTest;
@@ -69,22 +55,14 @@ TEST_F(PngExport, GreyPlanesKeepTheirValuesOrWidenThem)
 TEST_F(PngExport, WiderAndFloatGreyIsScaledFromBlackToWhite)
 {
     // Black 1000, white 3000: 1500 is a quarter of the way (63.75), 2000 half (127.5, rounded up).
-    MakeRow16(PathOf("row.tif"), {500, 1000, 1500, 2000, 4000}, "ImageJ=1.54f\nmin=1000\nmax=3000\n");
+    XMakeRowTiff<UInt16>(PathOf("row.tif"), {500, 1000, 1500, 2000, 4000}, SAMPLEFORMAT_UINT,
+                         "ImageJ=1.54f\nmin=1000\nmax=3000\n");
     const XBrindleResult result = Run({"export", "row.tif", "row.png", "--bits", "8"});
     ASSERT_EQ(result.itsStatus, 0) << result;
     EXPECT_EQ(Samples(XReadPng(PathOf("row.png"))), (std::vector<UInt32>{0, 0, 64, 128, 255}));
 
     // Float -1, 0, 2, 3 over its own range -1..3: 0, 16383.75, 49151.25, 65535.
-    TIFF * tiff = TIFFOpen(PathOf("f.tif").c_str(), "w");
-    ASSERT_NE(tiff, nullptr);
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 32);
-    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-    float values[] = {-1.0f, 0.0f, 2.0f, 3.0f};
-    ASSERT_EQ(TIFFWriteEncodedStrip(tiff, 0, values, sizeof(values)), tmsize_t(sizeof(values)));
-    TIFFClose(tiff);
+    XMakeRowTiff<float>(PathOf("f.tif"), {-1.0f, 0.0f, 2.0f, 3.0f}, SAMPLEFORMAT_IEEEFP);
     ASSERT_EQ(Run({"export", "f.tif", "f.png"}).itsStatus, 0);
     EXPECT_EQ(XReadPng(PathOf("f.png")).itsBits, 16);
     EXPECT_EQ(Samples(XReadPng(PathOf("f.png"))), (std::vector<UInt32>{0, 16384, 49151, 65535}));

@@ -269,16 +269,7 @@ TEST_F(TiffImport, ExportedStacksCarryTheirCalibrationsForImageJAndForImport)
 TEST_F(TiffImport, FloatStacksShowTheirDataRange)
 {
     // Values -1, 0, 2 and 3 in a 4 x 1 x 1 float stack without a display range.
-    TIFF * tiff = TIFFOpen(PathOf("f.tif").c_str(), "w");
-    ASSERT_NE(tiff, nullptr);
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 32);
-    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-    float values[] = {-1.0f, 0.0f, 2.0f, 3.0f};
-    ASSERT_EQ(TIFFWriteEncodedStrip(tiff, 0, values, sizeof(values)), tmsize_t(sizeof(values)));
-    TIFFClose(tiff);
+    XMakeRowTiff<float>(PathOf("f.tif"), {-1.0f, 0.0f, 2.0f, 3.0f}, SAMPLEFORMAT_IEEEFP);
     const XBrindleResult info = Run({"info", "f.tif"});
     ASSERT_EQ(info.itsStatus, 0) << info;
     EXPECT_NE(info.itsOut.find("renderer     black -1, white 3,"), std::string::npos) << info;

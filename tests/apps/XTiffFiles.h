@@ -179,6 +179,25 @@ inline bool XMakeTiff(const std::string & aPath, const XTiffSpec & aSpec)
     return ok;
 }
 
+// A one-page TIFF of one row of samples (8, 16 or 32-bit, of aFormat), with a description when
+// one is given.
+template <typename T>
+void XMakeRowTiff(const std::string & aPath, std::vector<T> aRow, UInt16 aFormat, const char * aDescription = nullptr)
+{
+    TIFF * tiff = TIFFOpen(aPath.c_str(), "w");
+    ASSERT_NE(tiff, nullptr);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, UInt32(aRow.size()));
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, UInt16(8 * sizeof(T)));
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, aFormat);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    if (aDescription != nullptr)
+        TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, aDescription);
+    const tmsize_t bytes = tmsize_t(aRow.size() * sizeof(T));
+    EXPECT_EQ(TIFFWriteEncodedStrip(tiff, 0, aRow.data(), bytes), bytes);
+    TIFFClose(tiff);
+}
+
 // The pages of a stack as libtiff decodes them: for each page, its rows of interleaved samples
 // in the platform's order, whatever the file's layout; empty when it cannot be read.
 struct XTiffPages
