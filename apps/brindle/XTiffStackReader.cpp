@@ -26,6 +26,8 @@ static_assert(sizeof(XRGB48Colour) == 6, "RGB48 voxels are the three 16-bit samp
 // holds: a damaged header that claims more is refused before anything is allocated.
 constexpr UInt64 kMaxExpansion = 4096;
 constexpr UInt64 kExpansionAllowance = 1 << 20;
+// The largest width or height that a volume's signed 32-bit coordinates hold.
+constexpr UInt32 kMaxExtent = 0x7FFFFFFF;
 
 // The key=value lines of an ImageJ description ("ImageJ=1.54f\nunit=micron\nspacing=0.5\n");
 // empty for any other description.
@@ -159,10 +161,12 @@ XTiffStackReader::XTiffStackReader(const std::string & aPath) : itsPath(aPath)
     if (itsPages.empty())
         throw XCommandError("cannot read '" + aPath + "': it has no full-size page");
 
-    const UInt64 voxelBytes = UInt64(itsFormat.itsWidth) * itsFormat.itsHeight * itsPages.size() *
+    // In double precision, which no claimed size overflows.
+    const double voxelBytes = double(itsFormat.itsWidth) * itsFormat.itsHeight * double(itsPages.size()) *
                               BytesPerSample(itsFormat.itsBitsPerSample) * itsFormat.itsSamplesPerPixel;
-    const UInt64 fileBytes = std::filesystem::file_size(aPath, error);
-    if (voxelBytes > fileBytes * (compressed ? kMaxExpansion : 1) + kExpansionAllowance)
+    const double fileBytes = double(std::filesystem::file_size(aPath, error));
+    if (voxelBytes > fileBytes * double(compressed ? kMaxExpansion : 1) + double(kExpansionAllowance) ||
+        itsFormat.itsWidth > kMaxExtent || itsFormat.itsHeight > kMaxExtent)
         throw XCommandError("cannot read '" + aPath + "': it claims " + itsFormat.Describe() + " voxels on " +
                             std::to_string(itsPages.size()) + " pages, more than its data can hold");
 }
@@ -198,8 +202,6 @@ XTiffStackReader::XPageFormat XTiffStackReader::ReadPageFormat(UInt32 aPageNumbe
     TIFFGetFieldDefaulted(itsTiff, TIFFTAG_SAMPLESPERPIXEL, &format.itsSamplesPerPixel);
     TIFFGetFieldDefaulted(itsTiff, TIFFTAG_SAMPLEFORMAT, &format.itsSampleFormat);
     TIFFGetFieldDefaulted(itsTiff, TIFFTAG_PLANARCONFIG, &format.itsPlanarConfig);
-    UInt16 * extraTypes = nullptr;
-    TIFFGetFieldDefaulted(itsTiff, TIFFTAG_EXTRASAMPLES, &format.itsExtraSamples, &extraTypes);
     if (TIFFGetField(itsTiff, TIFFTAG_PHOTOMETRIC, &format.itsPhotometric) != 1)
         format.itsPhotometric = format.itsSamplesPerPixel >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
     format.itsTiled = TIFFIsTiled(itsTiff) != 0;

@@ -57,7 +57,6 @@ private:
         UInt16 itsSampleFormat = 1;
         UInt16 itsPhotometric = 1;
         UInt16 itsPlanarConfig = 1;
-        UInt16 itsExtraSamples = 0;
         bool itsTiled = false;
         XVolumeKindID itsKind = kGrey8Kind;
 
