@@ -31,14 +31,17 @@ void XScanVolume(XPackedVolume<T> & aVolume, Helper & aHelper, const X3DRegion *
         mask = aRegion->GetLockedBase();
     }
     aHelper.SetupForScan(aVolume);
+    if (box.IsEmpty())
+    {
+        aHelper.FinishedScanning(aVolume);
+        return;
+    }
     XProgress progress(box.GetDepth(), XProgress::kProgressWithEstimate, 2000, false);
     for (SInt32 z = box.GetFront(); z < box.GetBack(); ++z)
     {
         XThread::TestCancelCurrentThread();
         for (SInt32 y = box.GetTop(); y < box.GetBottom(); ++y)
         {
-            if (box.GetWidth() == 0)
-                break;
             T * voxel = aVolume.GetVoxelPtr(box.GetLeft(), y, z);
             const UInt8 * maskByte = mask != nullptr ? aRegion->GetLockedVoxel(box.GetLeft(), y, z) : nullptr;
             for (SInt32 x = box.GetLeft(); x < box.GetRight(); ++x, ++voxel)

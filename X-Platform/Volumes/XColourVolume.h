@@ -65,6 +65,8 @@ void XColourVolume<T>::FillAlphaChannel(UInt8 aValue, const X3DRegion * aRegion,
     XLock regionLock(*aRegion, kLockRead);
     X3DRect box = this->GetBounds();
     box.Sect(aRegion->GetBounds());
+    if (box.IsEmpty())
+        return;
     for (SInt32 z = box.GetFront(); z < box.GetBack(); ++z)
         for (SInt32 y = box.GetTop(); y < box.GetBottom(); ++y)
         {

@@ -70,6 +70,8 @@ template <typename Visit>
 void XNumberVolume<T>::ForEachRow(Visit aVisit) const
 {
     XLock lock(*this, kLockRead);
+    if (this->GetBounds().IsEmpty())
+        return;
     const T * row = this->GetBaseVoxelPtr();
     const UInt64 rows = UInt64(this->GetHeight()) * this->GetDepth();
     const UInt64 step = this->GetRowVoxels();
@@ -299,6 +301,8 @@ double XNumberVolume<T>::FindAbsoluteDifference(const XNumberVolume & aVolume) c
     XAssert(p1);
     XAssert(p2);
     double sum = 0.0;
+    if (this->GetBounds().IsEmpty())
+        return sum;
     const UInt64 rows = UInt64(this->GetHeight()) * this->GetDepth();
     const UInt32 width = this->GetWidth();
     for (UInt64 r = 0; r < rows; ++r, p1 += this->GetRowVoxels(), p2 += aVolume.GetRowVoxels())

@@ -278,8 +278,13 @@ TEST(VolumeStream, DamagedStreamsRaiseExceptions)
     EXPECT_EQ(ErrorReading(patched(14, 34)), 1005u);
     EXPECT_EQ(ErrorReading(patched(15, 131174)), 1015u);
     EXPECT_EQ(ErrorReading(patched(1, 65536 + 520)), 1015u);
-    // An absurd extent, and rows shorter than the width.
+    // An absurd extent, an empty volume of absurd rows, a box that wraps round, and rows shorter
+    // than the width.
     EXPECT_EQ(ErrorReading(patched(2, 0x7FFFFFFF)), UInt32(kErrDamagedStream));
+    std::vector<UInt8> manyRows = patched(2, 0);
+    std::memcpy(manyRows.data() + 12, "\xff\xff\xff\x7f\xff\xff\xff\x7f", 8);
+    EXPECT_EQ(ErrorReading(manyRows), UInt32(kErrDamagedStream));
+    EXPECT_EQ(ErrorReading(patched(5, 0x7FFFFFFF)), UInt32(kErrDamagedStream));
     EXPECT_EQ(ErrorReading(patched(16, 1)), UInt32(kErrDamagedStream));
     // A handle that claims more bytes than the stream holds.
     EXPECT_NE(ErrorReading(patched(20, 1000000)), 0u);
