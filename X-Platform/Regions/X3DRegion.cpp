@@ -2,7 +2,9 @@
 
 #include <memory>
 
+#include "XBooleanVolumeTool.h"
 #include "XException.h"
+#include "XPaintVolumeTool.h"
 #include "XGrey8Volume.h"
 #include "XLock.h"
 #include "XMaskVolume.h"
@@ -136,6 +138,7 @@ void X3DRegion::LockSelf(XLockMode aMode) const
         return;
     LockFor(*itsMask, aMode);
     itsLockedBase = static_cast<const UInt8 *>(itsMask->GetBasePtr());
+    itsLockedOrigin = itsMask->GetBounds().GetOrigin();
     itsLockedRowBytes = itsMask->GetRowBytes();
     itsLockedPlaneBytes = itsMask->GetPlaneBytes();
 }
@@ -160,13 +163,291 @@ void X3DRegion::CropToFitVolume()
     {
         itsBounds = limit;
         SetMask(nullptr);
+        return;
     }
-    else if (limit != itsBounds)
+    // The mask is compared rather than the bounds: after Xor under a crop lock the mask can be
+    // larger than the bounds, and the crop brings the two together again.
+    if (limit != itsMask->GetBounds())
     {
         std::unique_ptr<XVolume> mask(itsMask->Clone(limit));
-        itsBounds = limit;
         SetMask(static_cast<XMaskVolume *>(mask.release()));
     }
+    itsBounds = limit;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Queries
+
+template <typename Test>
+bool X3DRegion::AnyVoxel(const X3DRegion & anOther, const X3DRect & aBox, Test aTest) const
+{
+    XLock lock(*this, kLockRead);
+    XLock otherLock(anOther, kLockRead);
+    for (SInt32 z = aBox.GetFront(); z < aBox.GetBack(); ++z)
+        for (SInt32 y = aBox.GetTop(); y < aBox.GetBottom(); ++y)
+            for (SInt32 x = aBox.GetLeft(); x < aBox.GetRight(); ++x)
+                if (aTest(Contains(x, y, z), anOther.Contains(x, y, z)))
+                    return true;
+    return false;
+}
+
+bool X3DRegion::Contains(const X3DRegion & aRegion) const
+{
+    if (!itsBounds.Contains(aRegion.GetBounds()))
+        return false;
+    if (IsSimple())
+        return true;
+    // Not contained where a voxel of the other is missing here.
+    return !AnyVoxel(aRegion, aRegion.GetBounds(), [](bool inThis, bool inOther) { return !inThis && inOther; });
+}
+
+bool X3DRegion::DoesTouch(const X3DRegion & aRegion) const
+{
+    X3DRect box = itsBounds;
+    box.Sect(aRegion.GetBounds());
+    if (box.IsEmpty())
+        return false;
+    if (IsSimple() && aRegion.IsSimple())
+        return true;
+    return AnyVoxel(aRegion, box, [](bool inThis, bool inOther) { return inThis && inOther; });
+}
+
+UInt32 X3DRegion::GetVolume() const
+{
+    if (IsSimple())
+        return itsBounds.GetWidth() * itsBounds.GetHeight() * itsBounds.GetDepth();
+    XPixelCountHelper helper;
+    XScanVolume(*itsMask, helper, nullptr, kLockReadWrite);
+    return helper.GetPixelCount();
+}
+
+bool X3DRegion::IsVolumeGreaterThanOrEqualTo(UInt32 aCount) const
+{
+    if (IsSimple())
+        return itsBounds.GetVolume() > aCount;
+    if (itsBounds.GetVolume() < aCount)
+        return false;
+    XLock lock(*itsMask, kLockRead);
+    UInt64 count = 0;
+    for (SInt32 z = itsBounds.GetFront(); z < itsBounds.GetBack(); ++z)
+        for (SInt32 y = itsBounds.GetTop(); y < itsBounds.GetBottom(); ++y)
+        {
+            const UInt8 * row = itsMask->GetVoxelPtr(itsBounds.GetLeft(), y, z);
+            for (UInt32 x = 0; x < itsBounds.GetWidth(); ++x)
+                if (row[x] > 127 && ++count >= aCount)
+                    return true;
+        }
+    return false;
+}
+
+bool X3DRegion::IsEqual(const X3DRegion & aRegion) const
+{
+    if (IsSimple() != aRegion.IsSimple() || itsBounds != aRegion.GetBounds())
+        return false;
+    return IsSimple() || *itsMask == *aRegion.itsMask;
+}
+
+bool X3DRegion::FastButInaccurateIsEqualTo(const X3DRegion & aRegion) const
+{
+    if (IsComplex() && aRegion.IsComplex())
+        return false;
+    return IsEqual(aRegion);
+}
+
+void X3DRegion::CalculateCentroid(X3DPointF & outCentre) const
+{
+    X3DPointF scaled;
+    CalculateCentroid(X3DPointF(1.0f, 1.0f, 1.0f), outCentre, scaled);
+}
+
+void X3DRegion::CalculateCentroid(const X3DPointF & aScale, X3DPointF & outVoxelCentre,
+                                  X3DPointF & outScaledCentre) const
+{
+    if (IsSimple())
+    {
+        const X3DRect & b = itsBounds;
+        outVoxelCentre = X3DPointF(float((double(b.GetLeft()) + b.GetRight() - 1) * 0.5),
+                                   float((double(b.GetTop()) + b.GetBottom() - 1) * 0.5),
+                                   float((double(b.GetFront()) + b.GetBack() - 1) * 0.5));
+        outScaledCentre = X3DPointF(outVoxelCentre.x * aScale.x, outVoxelCentre.y * aScale.y, outVoxelCentre.z * aScale.z);
+        return;
+    }
+    SInt64 sumX = 0, sumY = 0, sumZ = 0, voxelCount = 0;
+    double scaledX = 0.0, scaledY = 0.0, scaledZ = 0.0;
+    {
+        XLock lock(*itsMask, kLockRead);
+        for (SInt32 z = itsBounds.GetFront(); z < itsBounds.GetBack(); ++z)
+            for (SInt32 y = itsBounds.GetTop(); y < itsBounds.GetBottom(); ++y)
+            {
+                const UInt8 * row = itsMask->GetVoxelPtr(itsBounds.GetLeft(), y, z);
+                for (SInt32 x = itsBounds.GetLeft(); x < itsBounds.GetRight(); ++x)
+                    if (row[x - itsBounds.GetLeft()] != 0)
+                    {
+                        sumX += x, sumY += y, sumZ += z, ++voxelCount;
+                        scaledX += double(x) * aScale.x;
+                        scaledY += double(y) * aScale.y;
+                        scaledZ += double(z) * aScale.z;
+                    }
+            }
+    }
+    XAssertText(voxelCount > 0, "voxelCount > 0");
+    const double count = double(voxelCount);
+    outVoxelCentre = X3DPointF(float(double(sumX) / count), float(double(sumY) / count), float(double(sumZ) / count));
+    outScaledCentre = X3DPointF(float(scaledX / count), float(scaledY / count), float(scaledZ / count));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Set operations
+
+std::unique_ptr<XMaskVolume> X3DRegion::MakeMask() const
+{
+    if (itsMask != nullptr)
+        return std::unique_ptr<XMaskVolume>(itsMask->Clone());
+    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(itsBounds));
+    mask->Fill(255);
+    return mask;
+}
+
+X3DRegion & X3DRegion::Union(const X3DRegion & aRegion)
+{
+    // The box of both, empty ones included: an empty region at the origin pulls it there until
+    // the crop.
+    X3DRect box = itsBounds;
+    box |= aRegion.GetBounds();
+    XPaintVolumeTool paint;
+    if (IsComplex() && itsMask->GetBounds() == box)
+    {
+        paint.FillRegion(*itsMask, aRegion, XARGB32Colour::FromARGB(0xFFFFFFFF));
+        CropToFitVolume();
+        return *this;
+    }
+    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(box));
+    mask->Clear();
+    paint.FillRegion(*mask, *this, XARGB32Colour::FromARGB(0xFFFFFFFF));
+    paint.FillRegion(*mask, aRegion, XARGB32Colour::FromARGB(0xFFFFFFFF));
+    SetMask(mask.release());
+    itsBounds = box;
+    CropToFitVolume();
+    return *this;
+}
+
+X3DRegion & X3DRegion::Sect(const X3DRegion & aRegion)
+{
+    if (&aRegion == this || (aRegion.IsSimple() && aRegion.GetBounds().Contains(itsBounds)))
+        return *this;
+    X3DRect box = itsBounds;
+    box.Sect(aRegion.GetBounds());
+    if (box.IsEmpty())
+    {
+        // The collapsed box stays; nothing is cropped.
+        itsBounds = box;
+        SetMask(nullptr);
+        return *this;
+    }
+    XBooleanVolumeTool boolean;
+    if (IsComplex() && itsMask->GetBounds() == box)
+    {
+        itsBounds = box;
+        if (aRegion.IsComplex())
+            boolean.AndVolumes(*itsMask, *aRegion.GetMask(), *itsMask);
+        CropToFitVolume();
+        return *this;
+    }
+    if (IsSimple() && aRegion.IsSimple())
+    {
+        itsBounds = box;
+        CropToFitVolume();
+        return *this;
+    }
+    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(box));
+    mask->Clear();
+    if (IsComplex())
+        mask->CopyIn(*itsMask, box, box, nullptr);
+    else
+        mask->Fill(255);
+    if (aRegion.IsComplex())
+        boolean.AndVolumes(*mask, *aRegion.GetMask(), *mask);
+    SetMask(mask.release());
+    itsBounds = box;
+    CropToFitVolume();
+    return *this;
+}
+
+X3DRegion & X3DRegion::Difference(const X3DRegion & aRegion)
+{
+    X3DRect box = itsBounds;
+    box.Sect(aRegion.GetBounds());
+    if (box.IsEmpty())
+        return *this;
+    if (IsSimple())
+        SetMask(MakeMask().release());
+    XPaintVolumeTool().FillRegion(*itsMask, aRegion, XARGB32Colour::FromARGB(0xFF000000));
+    CropToFitVolume();
+    return *this;
+}
+
+X3DRegion & X3DRegion::Xor(const X3DRegion & aRegion)
+{
+    if (aRegion.IsEmpty())
+        return *this;
+    if (IsEmpty())
+        return *this = aRegion;
+    if (IsSimple() && aRegion.IsSimple() && IsEqual(aRegion))
+        return *this = X3DRegion();
+    X3DRect box = itsBounds;
+    box |= aRegion.GetBounds();
+    // The result starts as the union, this region winning where both are.
+    std::unique_ptr<XMaskVolume> result(new XMaskVolume(box));
+    result->Clear();
+    std::unique_ptr<XMaskVolume> other = aRegion.MakeMask();
+    std::unique_ptr<XMaskVolume> own = MakeMask();
+    result->CopyIn(*other, other->GetBounds(), other->GetBounds(), nullptr);
+    result->CopyIn(*own, own->GetBounds(), own->GetBounds(), nullptr);
+    // Where both are, the exclusive or of the two masks.
+    XBooleanVolumeTool().XorVolumes(*own, *other, *own);
+    X3DRect common = itsBounds;
+    common.Sect(aRegion.GetBounds());
+    if (!common.IsEmpty())
+        result->CopyIn(*own, common, common, nullptr);
+    // The bounds come from the crop: under a crop lock they stay as they were.
+    SetMask(result.release());
+    CropToFitVolume();
+    return *this;
+}
+
+X3DRegion operator+(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) += b;
+}
+
+X3DRegion operator|(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) |= b;
+}
+
+X3DRegion operator&(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) &= b;
+}
+
+X3DRegion operator-(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) -= b;
+}
+
+X3DRegion operator^(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) ^= b;
+}
+
+bool operator==(const X3DRegion & a, const X3DRegion & b)
+{
+    return a.IsEqual(b);
+}
+
+bool operator!=(const X3DRegion & a, const X3DRegion & b)
+{
+    return !a.IsEqual(b);
 }
 
 void X3DRegion::ReadStream2(XStream & aStream, XOptions anOptions)

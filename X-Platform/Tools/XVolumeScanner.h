@@ -4,7 +4,7 @@
 //     aHelper.ScanPixel(voxel pointer, volume, x, y, z)   for each voxel walked
 //     aHelper.FinishedScanning(volume)
 // With a region only the voxels of the region's box inside the volume are walked, and of a
-// masked region only those whose mask byte is not zero. The volume is locked in aMode for the
+// masked region only those that it holds (mask byte above 127, the region's own rule). The volume is locked in aMode for the
 // whole walk (the region for reading), under an XProgress of one step a plane; a pending cancel
 // of the calling thread stops the walk between planes.
 
@@ -45,7 +45,7 @@ void XScanVolume(XPackedVolume<T> & aVolume, Helper & aHelper, const X3DRegion *
             T * voxel = aVolume.GetVoxelPtr(box.GetLeft(), y, z);
             const UInt8 * maskByte = mask != nullptr ? aRegion->GetLockedVoxel(box.GetLeft(), y, z) : nullptr;
             for (SInt32 x = box.GetLeft(); x < box.GetRight(); ++x, ++voxel)
-                if (maskByte == nullptr || maskByte[x - box.GetLeft()] != 0)
+                if (maskByte == nullptr || maskByte[x - box.GetLeft()] > 127)
                     aHelper.ScanPixel(voxel, aVolume, x, y, z);
         }
         progress.Increment();

@@ -76,6 +76,15 @@ void XPackedVolume<T>::Allocate()
     Storage().Resize(bytes + kTailBytes);
 }
 
+template <typename T>
+void XPackedVolume<T>::Reshape(const X3DRect & aBounds)
+{
+    XAssertText(!IsLocked(), "!IsLocked()");
+    SetBounds(aBounds);
+    Storage() = XMemoryHandle();
+    Allocate();
+}
+
 // ---------------------------------------------------------------------------------------------
 // Fills
 
