@@ -33,17 +33,18 @@ void AndVoxels(const XPackedVolume<UInt8> & aMask, XPackedVolume<T> & aVolume, c
 {
     XLock maskLock(aMask, kLockRead);
     XLock lock(aVolume, kLockReadWrite);
-    const X3DRect & box = aVolume.GetBounds();
+    const X3DRect box = aVolume.GetBounds();
     if (box.IsEmpty())
         return;
+    const UInt32 width = box.GetWidth();
+    const T zero = aZero;
     for (SInt32 z = box.GetFront(); z < box.GetBack(); ++z)
         for (SInt32 y = box.GetTop(); y < box.GetBottom(); ++y)
         {
             const UInt8 * mask = aMask.GetVoxelPtr(box.GetLeft(), y, z);
             T * voxel = aVolume.GetVoxelPtr(box.GetLeft(), y, z);
-            for (UInt32 x = 0; x < box.GetWidth(); ++x)
-                if (mask[x] < 128)
-                    voxel[x] = aZero;
+            for (UInt32 x = 0; x < width; ++x)
+                voxel[x] = mask[x] < 128 ? zero : voxel[x];
         }
 }
 } // namespace
@@ -105,13 +106,13 @@ void XBooleanVolumeTool::XorVolumesSelf(const XVolume & aMask, XVolume & aVolume
     box.Sect(mask.GetBounds());
     if (box.IsEmpty())
         return;
+    const UInt32 width = box.GetWidth();
     for (SInt32 z = box.GetFront(); z < box.GetBack(); ++z)
         for (SInt32 y = box.GetTop(); y < box.GetBottom(); ++y)
         {
             const UInt8 * m = mask.GetVoxelPtr(box.GetLeft(), y, z);
             UInt8 * a = volume.GetVoxelPtr(box.GetLeft(), y, z);
-            for (UInt32 x = 0; x < box.GetWidth(); ++x)
-                if (m[x] >= 128)
-                    a[x] = a[x] >= 128 ? 0 : m[x];
+            for (UInt32 x = 0; x < width; ++x)
+                a[x] = m[x] >= 128 ? (a[x] >= 128 ? UInt8(0) : m[x]) : a[x];
         }
 }

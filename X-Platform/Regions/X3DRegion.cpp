@@ -7,6 +7,7 @@
 #include "XPaintVolumeTool.h"
 #include "XGrey8Volume.h"
 #include "XLock.h"
+#include "XMaskBits.h"
 #include "XMaskVolume.h"
 #include "XStream.h"
 #include "XVolumeScanner.h"
@@ -22,6 +23,49 @@ void X3DRegion::XCropHelper::SetupForScan(XVolume & aVolume)
     itsMaxZ = bounds.GetFront();
     itsCount = 0;
     itsEmpty = true;
+}
+
+void X3DRegion::XPixelCountHelper::ScanRow(const UInt8 * aRow, XVolume & aVolume, SInt32 aX, UInt32 aCount,
+                                           SInt32 aY, SInt32 aZ, const UInt8 * aMask)
+{
+    UInt32 i = 0;
+    if constexpr (XMaskBits::kUsable)
+        for (; i + 8 <= aCount; i += 8)
+            itsCount += XMaskBits::Count(XMaskBits::Of(aRow + i) & (aMask != nullptr ? XMaskBits::Of(aMask + i) : ~0ull));
+    for (; i < aCount; ++i)
+        if (aMask == nullptr || aMask[i] > 127)
+            ScanPixel(aRow + i, aVolume, aX + SInt32(i), aY, aZ);
+}
+
+void X3DRegion::XCropHelper::ScanRow(const UInt8 * aRow, XVolume & aVolume, SInt32 aX, UInt32 aCount, SInt32 aY,
+                                     SInt32 aZ, const UInt8 * aMask)
+{
+    UInt32 i = 0;
+    if constexpr (XMaskBits::kUsable)
+    {
+        SInt64 first = -1, last = -1;
+        UInt32 count = 0;
+        for (; i + 8 <= aCount; i += 8)
+        {
+            const UInt64 bits = XMaskBits::Of(aRow + i) & (aMask != nullptr ? XMaskBits::Of(aMask + i) : ~0ull);
+            if (bits == 0)
+                continue;
+            count += XMaskBits::Count(bits);
+            if (first < 0)
+                first = i + XMaskBits::First(bits);
+            last = i + XMaskBits::Last(bits);
+        }
+        if (count != 0)
+        {
+            // The set voxels of the run widen the limits as one by one they would.
+            ScanPixel(aRow + first, aVolume, aX + SInt32(first), aY, aZ);
+            ScanPixel(aRow + last, aVolume, aX + SInt32(last), aY, aZ);
+            itsCount += count - (first == last ? 1 : 2);
+        }
+    }
+    for (; i < aCount; ++i)
+        if (aMask == nullptr || aMask[i] > 127)
+            ScanPixel(aRow + i, aVolume, aX + SInt32(i), aY, aZ);
 }
 
 X3DRect X3DRegion::XCropHelper::GetLimit() const

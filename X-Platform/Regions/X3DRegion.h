@@ -41,6 +41,7 @@ public:
             if (*aVoxel > 127)
                 ++itsCount;
         }
+        void ScanRow(const UInt8 * aRow, XVolume &, SInt32, UInt32 aCount, SInt32, SInt32, const UInt8 * aMask);
         void FinishedScanning(XVolume &) {}
         UInt32 GetPixelCount() const { return itsCount; }
 
@@ -67,6 +68,8 @@ public:
             ++itsCount;
             itsEmpty = false;
         }
+        void ScanRow(const UInt8 * aRow, XVolume & aVolume, SInt32 aX, UInt32 aCount, SInt32 aY, SInt32 aZ,
+                     const UInt8 * aMask);
         void FinishedScanning(XVolume &) {}
         // The box of the set voxels, all zero when there is none.
         X3DRect GetLimit() const;

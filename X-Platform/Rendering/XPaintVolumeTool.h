@@ -36,6 +36,17 @@ public:
         explicit XFillHelper(const Voxel & aValue) : itsValue(aValue) {}
         void SetupForScan(XVolume &) {}
         void ScanPixel(Voxel * aVoxel, XVolume &, SInt32, SInt32, SInt32) { *aVoxel = itsValue; }
+        void ScanRow(Voxel * aRow, XVolume &, SInt32, UInt32 aCount, SInt32, SInt32, const UInt8 * aMask)
+        {
+            // The value in a local: byte stores could otherwise alias the member.
+            const Voxel value = itsValue;
+            if (aMask == nullptr)
+                for (UInt32 i = 0; i < aCount; ++i)
+                    aRow[i] = value;
+            else
+                for (UInt32 i = 0; i < aCount; ++i)
+                    aRow[i] = aMask[i] > 127 ? value : aRow[i];
+        }
         void FinishedScanning(XVolume &) {}
 
     private:
