@@ -288,7 +288,7 @@ bool X3DRegion::IsEqual(const X3DRegion & aRegion) const
 {
     if (IsSimple() != aRegion.IsSimple() || itsBounds != aRegion.GetBounds())
         return false;
-    return IsSimple() || *itsMask == *aRegion.itsMask;
+    return IsSimple() || itsMask->operator==(*aRegion.itsMask);
 }
 
 bool X3DRegion::FastButInaccurateIsEqualTo(const X3DRegion & aRegion) const

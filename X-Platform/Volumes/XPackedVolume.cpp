@@ -339,7 +339,7 @@ bool XPackedVolume<T>::operator==(const XVolume & aVolume) const
     {
         std::unique_ptr<XVolume> converted(CloneWithoutCopy(aVolume.GetBounds()));
         aVolume.CopyOut(*converted, aVolume.GetBounds(), aVolume.GetBounds(), nullptr);
-        return *this == *converted;
+        return operator==(*converted);
     }
     const XPackedVolume & other = static_cast<const XPackedVolume &>(aVolume);
     XLock lock(*this, kLockRead);

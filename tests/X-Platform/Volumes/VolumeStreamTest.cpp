@@ -293,3 +293,24 @@ TEST(VolumeStream, DamagedStreamsRaiseExceptions)
     Head(wrongObject, 65641).Words({34, 34, 0, 0, 1, 1, 103, 65640, 65641});
     EXPECT_EQ(ErrorReading(wrongObject.Get()), 1005u);
 }
+
+TEST(VolumeStream, RowsWithPadVoxelsAreWalkedAsTheirOperationsSay)
+{
+    // A 2 by 2 grey volume whose rows hold 3 voxels: voxels 1 2 [9] / 3 4 [9].
+    XBytes bytes;
+    bytes.Words({65641, 520, 2, 2, 1, 0, 0, 0}).Doubles({1.0, 1.0, 1.0}).Words({114, 65638, 3, 0});
+    bytes.Handle({1, 2, 9, 3, 4, 9}).Words({103, 65640, 65641});
+    auto volume = ReadBack<XGrey8Volume>(bytes.Get());
+    EXPECT_EQ(volume->GetRowVoxels(), 3u);
+    EXPECT_EQ(volume->GetPadVoxels(), 1u);
+    EXPECT_EQ(volume->GetVolumeVoxels(), 6u);
+    EXPECT_EQ(XGetVoxels(*volume), (std::vector<UInt8>{1, 2, 3, 4}));
+    // Statistics skip the pads.
+    EXPECT_EQ(volume->FindMax(), 4);
+    EXPECT_EQ(volume->FindSum(), 10.0);
+    // The whole-volume operators and the plain fill run over the pads too.
+    *volume += 1;
+    XLock lock(*volume, kLockRead);
+    const UInt8 * base = volume->GetBaseVoxelPtr();
+    EXPECT_EQ(std::vector<UInt8>(base, base + 6), (std::vector<UInt8>{2, 3, 10, 4, 5, 10}));
+}
