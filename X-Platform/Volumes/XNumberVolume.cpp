@@ -177,39 +177,17 @@ XNumberVolume<T> & XNumberVolume<T>::SubtractAndClamp(const T & aValue)
 template <typename T>
 T XNumberVolume<T>::FindMin() const
 {
-    T result{};
-    bool first = true;
-    ForEachRow([&](const T * aRow, UInt32 aWidth) {
-        if (first && aWidth > 0)
-            result = aRow[0], first = false;
-        for (UInt32 x = 0; x < aWidth; ++x)
-            result = aRow[x] < result ? aRow[x] : result;
-    });
-    if (first)
-    {
-        XLock lock(*this, kLockRead);
-        result = *this->GetBaseVoxelPtr();
-    }
-    return result;
+    T low{}, high{};
+    FindMinMax(low, high);
+    return low;
 }
 
 template <typename T>
 T XNumberVolume<T>::FindMax() const
 {
-    T result{};
-    bool first = true;
-    ForEachRow([&](const T * aRow, UInt32 aWidth) {
-        if (first && aWidth > 0)
-            result = aRow[0], first = false;
-        for (UInt32 x = 0; x < aWidth; ++x)
-            result = aRow[x] > result ? aRow[x] : result;
-    });
-    if (first)
-    {
-        XLock lock(*this, kLockRead);
-        result = *this->GetBaseVoxelPtr();
-    }
-    return result;
+    T low{}, high{};
+    FindMinMax(low, high);
+    return high;
 }
 
 template <typename T>
