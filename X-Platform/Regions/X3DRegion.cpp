@@ -1,15 +1,18 @@
 #include "X3DRegion.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 
 #include "XBooleanVolumeTool.h"
 #include "XException.h"
-#include "XPaintVolumeTool.h"
 #include "XGrey8Volume.h"
 #include "XLock.h"
 #include "XMaskBits.h"
 #include "XMaskVolume.h"
+#include "XProgress.h"
 #include "XStream.h"
+#include "XThread.h"
 #include "XVolumeScanner.h"
 
 void X3DRegion::XCropHelper::SetupForScan(XVolume & aVolume)
@@ -210,8 +213,13 @@ void X3DRegion::CropToFitVolume()
         return;
     XCropHelper helper;
     XScanVolume(*itsMask, helper, nullptr, kLockReadWrite);
-    const X3DRect limit = helper.GetLimit();
-    if (helper.IsRect())
+    ApplyCrop(helper);
+}
+
+void X3DRegion::ApplyCrop(const XCropHelper & aScan)
+{
+    const X3DRect limit = aScan.GetLimit();
+    if (aScan.IsRect())
     {
         itsBounds = limit;
         SetMask(nullptr);
@@ -360,26 +368,104 @@ std::unique_ptr<XMaskVolume> X3DRegion::MakeMask() const
     return mask;
 }
 
+namespace
+{
+// Where a region holds voxels along one row: the run [x0, x1) of its box, and the mask bytes of
+// the run (null for a plain box). An empty run when the row misses the box.
+struct XRegionRow
+{
+    SInt32 x0 = 0, x1 = 0;
+    const UInt8 * bytes = nullptr;
+
+    bool Holds(SInt32 anX) const { return anX >= x0 && anX < x1 && (bytes == nullptr || bytes[anX - x0] > 127); }
+    // The byte that a mask of the region has at anX: 255 for a plain box.
+    UInt8 ByteAt(SInt32 anX) const { return bytes == nullptr ? 255 : bytes[anX - x0]; }
+};
+
+XRegionRow RowOf(const X3DRegion & aRegion, SInt32 aY, SInt32 aZ)
+{
+    const X3DRect & b = aRegion.GetBounds();
+    XRegionRow row;
+    if (aY < b.GetTop() || aY >= b.GetBottom() || aZ < b.GetFront() || aZ >= b.GetBack())
+        return row;
+    row.x0 = b.GetLeft();
+    row.x1 = b.GetRight();
+    row.bytes = aRegion.GetLockedBase() != nullptr ? aRegion.GetLockedVoxel(b.GetLeft(), aY, aZ) : nullptr;
+    return row;
+}
+
+// Sets the bytes of anOut (the row from aLeft to aRight) to aValue where aRow holds voxels.
+void MarkRow(UInt8 * anOut, SInt32 aLeft, SInt32 aRight, const XRegionRow & aRow, UInt8 aValue)
+{
+    const SInt32 x0 = std::max(aLeft, aRow.x0), x1 = std::min(aRight, aRow.x1);
+    if (x0 >= x1)
+        return;
+    UInt8 * out = anOut + (x0 - aLeft);
+    const UInt32 count = UInt32(x1 - x0);
+    if (aRow.bytes == nullptr)
+        std::memset(out, aValue, count);
+    else
+    {
+        const UInt8 * __restrict bytes = aRow.bytes + (x0 - aRow.x0);
+        UInt8 * __restrict row = out;
+        const UInt8 value = aValue;
+        for (UInt32 i = 0; i < count; ++i)
+            row[i] = bytes[i] > 127 ? value : row[i];
+    }
+}
+} // namespace
+
+template <typename RowRule>
+void X3DRegion::CombineInto(const X3DRegion & anOther, const X3DRect & aBox, RowRule aRule)
+{
+    // A new mask comes cleared.
+    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(aBox));
+    XCropHelper scan;
+    {
+        XLock lock(*this, kLockRead);
+        XLock otherLock(anOther, kLockRead);
+        XLock maskLock(*mask, kLockReadWrite);
+        scan.SetupForScan(*mask);
+        XProgress progress(aBox.GetDepth(), XProgress::kProgressWithEstimate, 2000, false);
+        for (SInt32 z = aBox.GetFront(); z < aBox.GetBack(); ++z)
+        {
+            XThread::TestCancelCurrentThread();
+            for (SInt32 y = aBox.GetTop(); y < aBox.GetBottom() && aBox.GetWidth() > 0; ++y)
+            {
+                UInt8 * out = mask->GetVoxelPtr(aBox.GetLeft(), y, z);
+                aRule(out, y, z);
+                scan.ScanRow(out, *mask, aBox.GetLeft(), aBox.GetWidth(), y, z, nullptr);
+            }
+            progress.Increment();
+        }
+    }
+    SetMask(mask.release());
+    itsBounds = aBox;
+    if (itsCropLockCount == 0)
+        ApplyCrop(scan);
+}
+
 X3DRegion & X3DRegion::Union(const X3DRegion & aRegion)
 {
     // The box of both, empty ones included: an empty region at the origin pulls it there until
     // the crop.
     X3DRect box = itsBounds;
     box |= aRegion.GetBounds();
-    XPaintVolumeTool paint;
+    const SInt32 left = box.GetLeft();
     if (IsComplex() && itsMask->GetBounds() == box)
     {
-        paint.FillRegion(*itsMask, aRegion, XARGB32Colour::FromARGB(0xFFFFFFFF));
-        CropToFitVolume();
+        // The other region painted into this mask: this mask's bytes stay where it is not.
+        CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
+            std::memcpy(anOut, GetLockedVoxel(left, aY, aZ), box.GetWidth());
+            MarkRow(anOut, left, box.GetRight(), RowOf(aRegion, aY, aZ), 255);
+        });
         return *this;
     }
-    // A new mask comes cleared.
-    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(box));
-    paint.FillRegion(*mask, *this, XARGB32Colour::FromARGB(0xFFFFFFFF));
-    paint.FillRegion(*mask, aRegion, XARGB32Colour::FromARGB(0xFFFFFFFF));
-    SetMask(mask.release());
-    itsBounds = box;
-    CropToFitVolume();
+    // Both painted into a cleared mask.
+    CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
+        MarkRow(anOut, left, box.GetRight(), RowOf(*this, aY, aZ), 255);
+        MarkRow(anOut, left, box.GetRight(), RowOf(aRegion, aY, aZ), 255);
+    });
     return *this;
 }
 
@@ -396,31 +482,31 @@ X3DRegion & X3DRegion::Sect(const X3DRegion & aRegion)
         SetMask(nullptr);
         return *this;
     }
-    XBooleanVolumeTool boolean;
-    if (IsComplex() && itsMask->GetBounds() == box)
-    {
-        itsBounds = box;
-        if (aRegion.IsComplex())
-            boolean.AndVolumes(*itsMask, *aRegion.GetMask(), *itsMask);
-        CropToFitVolume();
-        return *this;
-    }
     if (IsSimple() && aRegion.IsSimple())
     {
         itsBounds = box;
-        CropToFitVolume();
         return *this;
     }
-    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(box));
-    if (IsComplex())
-        mask->CopyIn(*itsMask, box, box, nullptr);
-    else
-        mask->Fill(255);
-    if (aRegion.IsComplex())
-        boolean.AndVolumes(*mask, *aRegion.GetMask(), *mask);
-    SetMask(mask.release());
-    itsBounds = box;
-    CropToFitVolume();
+    // This region's bytes (255 for a plain box) where the other holds voxels, else 0: the mask
+    // of the box masked with the other's.
+    const SInt32 left = box.GetLeft();
+    const UInt32 width = box.GetWidth();
+    CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
+        const XRegionRow own = RowOf(*this, aY, aZ), other = RowOf(aRegion, aY, aZ);
+        const UInt8 * mine = own.bytes != nullptr ? own.bytes + (left - own.x0) : nullptr;
+        const UInt8 * theirs = other.bytes != nullptr ? other.bytes + (left - other.x0) : nullptr;
+        // The count in a local: byte stores could otherwise alias what the rule refers to.
+        const UInt32 count = width;
+        if (theirs == nullptr)
+            std::memcpy(anOut, mine, count);
+        else
+        {
+            // The top bit of the other's byte spread over the byte keeps or clears ours.
+            UInt8 * __restrict out = anOut;
+            for (UInt32 i = 0; i < count; ++i)
+                out[i] = UInt8((mine != nullptr ? mine[i] : 255) & UInt8(0 - (theirs[i] >> 7)));
+        }
+    });
     return *this;
 }
 
@@ -430,10 +516,17 @@ X3DRegion & X3DRegion::Difference(const X3DRegion & aRegion)
     box.Sect(aRegion.GetBounds());
     if (box.IsEmpty())
         return *this;
-    if (IsSimple())
-        SetMask(MakeMask().release());
-    XPaintVolumeTool().FillRegion(*itsMask, aRegion, XARGB32Colour::FromARGB(0xFF000000));
-    CropToFitVolume();
+    // The other region painted out of this one's mask (255 throughout for a plain box).
+    const X3DRect bounds = itsBounds;
+    const SInt32 left = bounds.GetLeft();
+    CombineInto(aRegion, bounds, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
+        const XRegionRow own = RowOf(*this, aY, aZ);
+        if (own.bytes != nullptr)
+            std::memcpy(anOut, own.bytes, bounds.GetWidth());
+        else
+            std::memset(anOut, 255, bounds.GetWidth());
+        MarkRow(anOut, left, bounds.GetRight(), RowOf(aRegion, aY, aZ), 0);
+    });
     return *this;
 }
 

@@ -198,6 +198,13 @@ private:
     void SetMask(XMaskVolume * aMask);
     // This region's mask, or for a plain box a new mask of the box filled with 255.
     std::unique_ptr<XMaskVolume> MakeMask() const;
+    // The rest of the crop, from a scan of the mask already made.
+    void ApplyCrop(const XCropHelper & aScan);
+    // Replaces the mask by a new one over aBox, written row by row by aRule(out, y, z) with this
+    // region and anOther locked for reading, and crops it with a scan made as the rows are
+    // written: the result and form of painting or masking into a mask and then cropping.
+    template <typename RowRule>
+    void CombineInto(const X3DRegion & anOther, const X3DRect & aBox, RowRule aRule);
     // Walks aBox (inside both regions' boxes) under read locks and returns true at the first
     // voxel for which aTest(set in this, set in the other) holds.
     template <typename Test>
