@@ -2,6 +2,9 @@
 // Every public header of the imaging library, and the foundation's.
 
 #include "BrindleCore.h"
+#include "WSSE2VectorMathToolImp.h"
+#include "WSSEVectorMathToolImp.h"
+#include "X3DMatrix.h"
 #include "X3DPoint.h"
 #include "X3DPointF.h"
 #include "X3DPointT.h"
@@ -14,6 +17,9 @@
 #include "XColourSpaces.h"
 #include "XGeometryRounding.h"
 #include "XImagingLibrary.h"
+#include "XMatrixException.h"
+#include "XMiniSquareMatrix.h"
+#include "XMiniVector.h"
 #include "XPoint.h"
 #include "XPointF.h"
 #include "XPointT.h"
@@ -24,3 +30,6 @@
 #include "XRectF.h"
 #include "XRectIterator.h"
 #include "XRectT.h"
+#include "XVectorMathTool.h"
+#include "XVectorMathToolImp.h"
+#include "matrix.h"
