@@ -408,10 +408,10 @@ void WSSEVectorMathToolImp::VectorCalcSearchVec2(const float * a, const float * 
 void WSSEVectorMathToolImp::VectorTransform(float ** somePlanes, SInt32 someDimension,
                                             XMiniSquareMatrix aMatrix, UInt64 n)
 {
+    CheckTransformDimension(someDimension, aMatrix);
     for (SInt32 c = 0; c < someDimension; ++c)
         if (!IsAligned(somePlanes[c]))
             return XBase::VectorTransform(somePlanes, someDimension, aMatrix, n);
-    CheckTransformDimension(someDimension, aMatrix);
     constexpr SInt32 kMax = XMiniSquareMatrix::kMaxSize;
     __m128 m[kMax][kMax];
     for (SInt32 r = 0; r < someDimension; ++r)
