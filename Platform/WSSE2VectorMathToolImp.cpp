@@ -2,6 +2,8 @@
 
 #include <emmintrin.h>
 
+#include "XAssert.h"
+
 namespace
 {
 using XBase = XVectorMathToolImp;
@@ -33,6 +35,16 @@ inline double AlignedSum64(UInt64 n, Group aGroup, Single aSingle, const Inputs 
     for (UInt64 i = whole; i < n; ++i)
         sum += aSingle(in[i]...);
     return sum;
+}
+// XVectorMathToolImp::FastLn of four floats, with the same float operations.
+inline __m128 FastLn4(__m128 x)
+{
+    const __m128i bits = _mm_castps_si128(x);
+    const __m128i biased = _mm_and_si128(_mm_srli_epi32(bits, 23), _mm_set1_epi32(255));
+    const __m128 exponent = _mm_cvtepi32_ps(_mm_sub_epi32(biased, _mm_set1_epi32(128)));
+    const __m128 mantissa = _mm_castsi128_ps(_mm_add_epi32(
+        _mm_and_si128(bits, _mm_set1_epi32(0x807FFFFF)), _mm_set1_epi32(0x3F800000)));
+    return _mm_mul_ps(_mm_add_ps(exponent, mantissa), _mm_set1_ps(0.6931472f));
 }
 } // namespace
 
@@ -110,4 +122,16 @@ void WSSE2VectorMathToolImp::VectorCalcSearchVec2_64(const float * a, const floa
         sum += o[i] * x;
     }
     outQ = sum;
+}
+
+void WSSE2VectorMathToolImp::VectorLogBaseX(const float * a, float * o, float aBase, UInt64 n)
+{
+    if (!IsAligned(a, o))
+        return XBase::VectorLogBaseX(a, o, aBase, n);
+    XAssert(aBase > 0.f);
+    const __m128 scale = _mm_set1_ps(float(1.0 / double(FastLn(aBase))));
+    const UInt64 whole = WholeGroups(n);
+    for (UInt64 i = 0; i < whole; i += 4)
+        _mm_store_ps(o + i, _mm_mul_ps(FastLn4(_mm_load_ps(a + i)), scale));
+    XBase::VectorLogBaseX(a + whole, o + whole, aBase, n - whole);
 }

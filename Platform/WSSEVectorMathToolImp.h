@@ -25,8 +25,8 @@
 // These are kept on purpose: stored results and callers' comparisons depend on them. The
 // portable VectorMultiplyAndDivide(a, b, s, o, n) asserts that s is not zero; this one does not.
 //
-// The ...64 operations, the logarithm, the entropy and the search kernels other than
-// VectorCalcSearchVec2 stay portable.
+// The ...64 operations, the logarithm (WSSE2VectorMathToolImp has its own), the entropy and the
+// search kernels other than VectorCalcSearchVec2 stay portable here.
 
 #include <xmmintrin.h>
 

@@ -1,8 +1,9 @@
-// The vector kernels on 4 M floats in 16-byte aligned arrays (16 MiB each, beyond the caches):
-// each kernel that the SSE2 implementation speeds up, with the SSE2 and the portable
-// implementation, beside a plain copy of one array (memcpy) that gives the memory-bandwidth
-// limit. run_vector_math.sh runs this program and numpy on the same data and prints the
-// ratios. Rows are CSV (see XBenchCsvReporter.h); the result column reads
+// The vector kernels on 4 M floats in 16-byte aligned arrays (16 MiB each): each kernel that
+// the SSE2 implementation speeds up, with the SSE2 and the portable implementation, beside a
+// plain copy of one array (memcpy) that gives the bandwidth limit. The kernels bound by
+// arithmetic run also on 16 K floats that stay in the cache, 256 calls a run, to show the
+// arithmetic without the memory. run_vector_math.sh runs this program and numpy on the same
+// data and prints the ratios. Rows are CSV (see XBenchCsvReporter.h); the result column reads
 // "arrays=<arrays the kernel streams> check=<a checksum of its result>".
 
 #include <benchmark/benchmark.h>
@@ -19,6 +20,7 @@
 namespace
 {
 constexpr UInt64 kCount = UInt64(4) << 20;
+constexpr UInt64 kCacheCount = UInt64(16) << 10;
 constexpr int kRepeats = 15;
 
 // A page-aligned array of kCount floats, touched once so that no page fault is timed.
@@ -99,37 +101,37 @@ struct XKernel
 {
     const char * itsName;
     int itsArrays;
-    std::function<void(XVectorMathToolImp &, XData &)> itsCall;
+    bool itsComputeBound;
+    std::function<void(XVectorMathToolImp &, XData &, UInt64 n)> itsCall;
 };
 
 using I = XVectorMathToolImp;
-constexpr UInt64 kComplex = kCount / 2;
 
 const XKernel kElementWise[] = {
-    {"VectorAdd(a, s)", 2, [](I & m, XData & d) { m.VectorAdd(d.a, 0.5f, d.o, kCount); }},
-    {"VectorAdd(a, b)", 3, [](I & m, XData & d) { m.VectorAdd(d.a, d.b, d.o, kCount); }},
-    {"VectorSubtract", 3, [](I & m, XData & d) { m.VectorSubtract(d.a, d.b, d.o, kCount); }},
-    {"VectorMultiply(a, s)", 2, [](I & m, XData & d) { m.VectorMultiply(d.a, 3.f, d.o, kCount); }},
-    {"VectorMultiply(a, b)", 3, [](I & m, XData & d) { m.VectorMultiply(d.a, d.b, d.o, kCount); }},
-    {"VectorSquare", 2, [](I & m, XData & d) { m.VectorSquare(d.b, d.o, kCount); }},
-    {"VectorFillReal", 1, [](I & m, XData & d) { m.VectorFillReal(0.25f, d.o, kCount); }},
-    {"VectorClampBelow", 2, [](I & m, XData & d) { m.VectorClampBelow(d.b, d.o, 0.f, kCount); }},
-    {"VectorClampAbove", 2, [](I & m, XData & d) { m.VectorClampAbove(d.b, d.o, 0.f, kCount); }},
-    {"VectorScalarSubtract", 3, [](I & m, XData & d) { m.VectorScalarSubtract(d.a, d.b, 2.f, 0.5f, d.o, kCount); }},
-    {"VectorAddAndMultiply", 4, [](I & m, XData & d) { m.VectorAddAndMultiply(d.a, d.b, d.c, d.o, kCount); }},
-    {"VectorDivide", 3, [](I & m, XData & d) { m.VectorDivide(d.b, d.c, d.o, kCount); }},
-    {"VectorMultiplyAndDivide(a, b, c)", 4, [](I & m, XData & d) { m.VectorMultiplyAndDivide(d.a, d.b, d.c, d.o, kCount); }},
-    {"VectorMultiplyAndDivide(a, s, b)", 3, [](I & m, XData & d) { m.VectorMultiplyAndDivide(d.b, 2.f, d.c, d.o, kCount); }},
-    {"VectorMultiplyAndDivide(a, b, s)", 3, [](I & m, XData & d) { m.VectorMultiplyAndDivide(d.a, d.b, 3.f, d.o, kCount); }},
-    {"VectorReciprocal", 2, [](I & m, XData & d) { m.VectorReciprocal(d.c, d.o, kCount); }},
-    {"VectorSqrt", 2, [](I & m, XData & d) { m.VectorSqrt(d.a, d.o, kCount); }},
-    {"VectorReciprocalSqrt", 2, [](I & m, XData & d) { m.VectorReciprocalSqrt(d.a, d.o, kCount); }},
-    {"VectorLogBaseX", 2, [](I & m, XData & d) { m.VectorLogBaseX(d.a, d.o, 10.f, kCount); }},
-    {"VectorComplexMultiply", 3, [](I & m, XData & d) { m.VectorComplexMultiply(d.a, d.b, d.o, kComplex); }},
-    {"VectorComplexDivide", 3, [](I & m, XData & d) { m.VectorComplexDivide(d.b, d.c, d.o, kComplex); }},
-    {"VectorComplexMagnitude", 2, [](I & m, XData & d) { m.VectorComplexMagnitude(d.b, d.o, kComplex); }},
-    {"VectorComplexReciprocal", 2, [](I & m, XData & d) { m.VectorComplexReciprocal(d.c, d.o, kComplex); }},
-    {"VectorCalcSearchVec2", 3, [](I & m, XData & d) { float q; m.VectorCalcSearchVec2(d.a, d.b, d.o, q, kCount); }},
+    {"VectorAdd(a, s)", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorAdd(d.a, 0.5f, d.o, n); }},
+    {"VectorAdd(a, b)", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorAdd(d.a, d.b, d.o, n); }},
+    {"VectorSubtract", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorSubtract(d.a, d.b, d.o, n); }},
+    {"VectorMultiply(a, s)", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorMultiply(d.a, 3.f, d.o, n); }},
+    {"VectorMultiply(a, b)", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorMultiply(d.a, d.b, d.o, n); }},
+    {"VectorSquare", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorSquare(d.b, d.o, n); }},
+    {"VectorFillReal", 1, false, [](I & m, XData & d, UInt64 n) { m.VectorFillReal(0.25f, d.o, n); }},
+    {"VectorClampBelow", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorClampBelow(d.b, d.o, 0.f, n); }},
+    {"VectorClampAbove", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorClampAbove(d.b, d.o, 0.f, n); }},
+    {"VectorScalarSubtract", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorScalarSubtract(d.a, d.b, 2.f, 0.5f, d.o, n); }},
+    {"VectorAddAndMultiply", 4, false, [](I & m, XData & d, UInt64 n) { m.VectorAddAndMultiply(d.a, d.b, d.c, d.o, n); }},
+    {"VectorDivide", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorDivide(d.b, d.c, d.o, n); }},
+    {"VectorMultiplyAndDivide(a, b, c)", 4, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.a, d.b, d.c, d.o, n); }},
+    {"VectorMultiplyAndDivide(a, s, b)", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.b, 2.f, d.c, d.o, n); }},
+    {"VectorMultiplyAndDivide(a, b, s)", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.a, d.b, 3.f, d.o, n); }},
+    {"VectorReciprocal", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorReciprocal(d.c, d.o, n); }},
+    {"VectorSqrt", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorSqrt(d.a, d.o, n); }},
+    {"VectorReciprocalSqrt", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorReciprocalSqrt(d.a, d.o, n); }},
+    {"VectorLogBaseX", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorLogBaseX(d.a, d.o, 10.f, n); }},
+    {"VectorComplexMultiply", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorComplexMultiply(d.a, d.b, d.o, n / 2); }},
+    {"VectorComplexDivide", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorComplexDivide(d.b, d.c, d.o, n / 2); }},
+    {"VectorComplexMagnitude", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorComplexMagnitude(d.b, d.o, n / 2); }},
+    {"VectorComplexReciprocal", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorComplexReciprocal(d.c, d.o, n / 2); }},
+    {"VectorCalcSearchVec2", 3, false, [](I & m, XData & d, UInt64 n) { float q; m.VectorCalcSearchVec2(d.a, d.b, d.o, q, n); }},
 };
 
 // A reduction: its workload name, the arrays it reads and the call.
@@ -151,9 +153,9 @@ const XSum kSums[] = {
     {"VectorFindMaxValue", 1, [](I & m, XData & d) { return double(m.VectorFindMaxValue(d.b, kCount)); }},
 };
 
-std::string Name(const char * aKernel, bool anOptimised)
+std::string Name(const char * aKernel, const char * aSize, bool anOptimised)
 {
-    return std::string("V ") + aKernel + " 4M floats|brindle " + (anOptimised ? "SSE2" : "portable") + "|1";
+    return std::string("V ") + aKernel + aSize + "|brindle " + (anOptimised ? "SSE2" : "portable") + "|1";
 }
 
 void RegisterAll()
@@ -167,16 +169,29 @@ void RegisterAll()
     })->Iterations(1)->Repetitions(kRepeats);
     for (const XKernel & kernel : kElementWise)
         for (bool optimised : {true, false})
-            benchmark::RegisterBenchmark(Name(kernel.itsName, optimised).c_str(), [&kernel, optimised](benchmark::State & aState) {
+            benchmark::RegisterBenchmark(Name(kernel.itsName, " 4M floats", optimised).c_str(), [&kernel, optimised](benchmark::State & aState) {
                 XVectorMathToolImp & imp = Implementation(optimised);
                 Run(aState, kernel.itsArrays, true, [&] {
-                    kernel.itsCall(imp, Data());
+                    kernel.itsCall(imp, Data(), kCount);
                     return 0.0;
                 });
             })->Iterations(1)->Repetitions(kRepeats);
+    // The arithmetic alone: the compute-bound kernels on arrays that stay in the cache, called
+    // kCacheCalls times on the first kCacheCount floats (as many floats as one call above).
+    for (const XKernel & kernel : kElementWise)
+        for (bool optimised : {true, false})
+            if (kernel.itsComputeBound)
+                benchmark::RegisterBenchmark(Name(kernel.itsName, " 16K floats x256", optimised).c_str(), [&kernel, optimised](benchmark::State & aState) {
+                    XVectorMathToolImp & imp = Implementation(optimised);
+                    Run(aState, kernel.itsArrays, false, [&] {
+                        for (UInt64 k = 0; k < kCount / kCacheCount; ++k)
+                            kernel.itsCall(imp, Data(), kCacheCount);
+                        return double(Data().o[kCacheCount / 2 + 1]);
+                    });
+                })->Iterations(1)->Repetitions(kRepeats);
     for (const XSum & sum : kSums)
         for (bool optimised : {true, false})
-            benchmark::RegisterBenchmark(Name(sum.itsName, optimised).c_str(), [&sum, optimised](benchmark::State & aState) {
+            benchmark::RegisterBenchmark(Name(sum.itsName, " 4M floats", optimised).c_str(), [&sum, optimised](benchmark::State & aState) {
                 XVectorMathToolImp & imp = Implementation(optimised);
                 Run(aState, sum.itsArrays, false, [&] { return sum.itsCall(imp, Data()); });
             })->Iterations(1)->Repetitions(kRepeats);
