@@ -8,34 +8,24 @@ namespace
 {
 using XBase = XVectorMathToolImp;
 
-// Adds the four float lanes of someTerms to the two-lane double accumulator: lanes 0 and 1,
-// then lanes 2 and 3.
-inline __m128d AddWidened(__m128d aSums, __m128 someTerms)
+// The group sums in double: lanes 0 and 1, then lanes 2 and 3 of each group's terms widened
+// onto one two-lane accumulator, whose lanes are added at the end (high + low).
+struct XDoubleLanes
 {
-    aSums = _mm_add_pd(aSums, _mm_cvtps_pd(someTerms));
-    return _mm_add_pd(aSums, _mm_cvtps_pd(_mm_movehl_ps(someTerms, someTerms)));
-}
+    using Sums = __m128d;
+    using Sum = double;
+    static Sums Zero() { return _mm_setzero_pd(); }
+    static Sums Add(Sums someSums, __m128 someTerms)
+    {
+        someSums = _mm_add_pd(someSums, _mm_cvtps_pd(someTerms));
+        return _mm_add_pd(someSums, _mm_cvtps_pd(_mm_movehl_ps(someTerms, someTerms)));
+    }
+    static Sum Reduce(Sums someSums)
+    {
+        return _mm_cvtsd_f64(_mm_unpackhi_pd(someSums, someSums)) + _mm_cvtsd_f64(someSums);
+    }
+};
 
-// High lane + low lane.
-inline double LaneSum(__m128d aSums)
-{
-    return _mm_cvtsd_f64(_mm_unpackhi_pd(aSums, aSums)) + _mm_cvtsd_f64(aSums);
-}
-
-// The double sum of aGroup over the whole groups, then of aSingle over the tail, term by term.
-// The arrays must be aligned.
-template <typename Group, typename Single, typename... Inputs>
-inline double AlignedSum64(UInt64 n, Group aGroup, Single aSingle, const Inputs *... in)
-{
-    const UInt64 whole = n & ~UInt64(3);
-    __m128d sums = _mm_setzero_pd();
-    for (UInt64 i = 0; i < whole; i += 4)
-        sums = AddWidened(sums, aGroup(_mm_load_ps(in + i)...));
-    double sum = LaneSum(sums);
-    for (UInt64 i = whole; i < n; ++i)
-        sum += aSingle(in[i]...);
-    return sum;
-}
 // XVectorMathToolImp::FastLn of four floats, with the same float operations.
 inline __m128 FastLn4(__m128 x)
 {
@@ -54,15 +44,15 @@ double WSSE2VectorMathToolImp::VectorDotProduct64(const float * a, const float *
 {
     if (!IsAligned(a, b))
         return XBase::VectorDotProduct64(a, b, n);
-    return AlignedSum64(n, [](__m128 x, __m128 y) { return _mm_mul_ps(x, y); },
-                        [](float x, float y) { return x * y; }, a, b);
+    return AlignedSum<XDoubleLanes>(n, [](__m128 x, __m128 y) { return _mm_mul_ps(x, y); },
+                                    [](float x, float y) { return x * y; }, a, b);
 }
 
 double WSSE2VectorMathToolImp::VectorSum64(const float * a, UInt64 n)
 {
     if (!IsAligned(a))
         return XBase::VectorSum64(a, n);
-    return AlignedSum64(n, [](__m128 x) { return x; }, [](float x) { return x; }, a);
+    return AlignedSum<XDoubleLanes>(n, [](__m128 x) { return x; }, [](float x) { return x; }, a);
 }
 
 double WSSE2VectorMathToolImp::VectorDotProductDivide64(const float * a, const float * b,
@@ -70,8 +60,8 @@ double WSSE2VectorMathToolImp::VectorDotProductDivide64(const float * a, const f
 {
     if (!IsAligned(a, b, c))
         return XBase::VectorDotProductDivide64(a, b, c, n);
-    return AlignedSum64(n, DotProductDivideTerm,
-                        [](float x, float y, float z) { return x * y / z; }, a, b, c);
+    return AlignedSum<XDoubleLanes>(n, DotProductDivideTerm,
+                                    [](float x, float y, float z) { return x * y / z; }, a, b, c);
 }
 
 double WSSE2VectorMathToolImp::VectorChiSquared64(const float * a, const float * b,
@@ -80,7 +70,7 @@ double WSSE2VectorMathToolImp::VectorChiSquared64(const float * a, const float *
     if (!IsAligned(a, b, c))
         return XBase::VectorChiSquared64(a, b, c, n);
     // Lanes 0 and 1 from a itself, lanes 2 and 3 from the term: kept as it always was.
-    return AlignedSum64(
+    return AlignedSum<XDoubleLanes>(
         n,
         [](__m128 x, __m128 y, __m128 z) {
             return _mm_shuffle_ps(x, ChiSquaredTerm(x, y, z), _MM_SHUFFLE(3, 2, 1, 0));
@@ -97,7 +87,8 @@ double WSSE2VectorMathToolImp::VectorSquareMultiplySum64(const float * a, const 
 {
     if (!IsAligned(a, b))
         return XBase::VectorSquareMultiplySum64(a, b, n);
-    return AlignedSum64(n, SquareMultiplyTerm, [](float x, float y) { return x * x * y; }, a, b);
+    return AlignedSum<XDoubleLanes>(n, SquareMultiplyTerm,
+                                    [](float x, float y) { return x * x * y; }, a, b);
 }
 
 void WSSE2VectorMathToolImp::VectorCalcSearchVec2_64(const float * a, const float * b, float * o,
@@ -105,23 +96,7 @@ void WSSE2VectorMathToolImp::VectorCalcSearchVec2_64(const float * a, const floa
 {
     if (!IsAligned(a, b, o))
         return XBase::VectorCalcSearchVec2_64(a, b, o, outQ, n);
-    const UInt64 whole = WholeGroups(n);
-    __m128d sums = _mm_setzero_pd();
-    for (UInt64 i = 0; i < whole; i += 4)
-    {
-        const __m128 x = _mm_load_ps(a + i);
-        const __m128 product = _mm_mul_ps(x, _mm_load_ps(b + i));
-        _mm_store_ps(o + i, product);
-        sums = AddWidened(sums, _mm_mul_ps(product, x));
-    }
-    double sum = LaneSum(sums);
-    for (UInt64 i = whole; i < n; ++i)
-    {
-        const float x = a[i];
-        o[i] = x * b[i];
-        sum += o[i] * x;
-    }
-    outQ = sum;
+    outQ = AlignedSearchVec2<XDoubleLanes>(a, b, o, n);
 }
 
 void WSSE2VectorMathToolImp::VectorLogBaseX(const float * a, float * o, float aBase, UInt64 n)

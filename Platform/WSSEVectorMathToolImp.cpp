@@ -22,29 +22,6 @@ inline UInt64 AlignedGroups(float * o, UInt64 n, Group aGroup, const Inputs *...
     return whole;
 }
 
-// The four running sums added as lane 1 + lane 0 + lane 2 + lane 3.
-inline float LaneSum(__m128 aSums)
-{
-    alignas(16) float lanes[4];
-    _mm_store_ps(lanes, aSums);
-    return ((lanes[1] + lanes[0]) + lanes[2]) + lanes[3];
-}
-
-// The sum of aGroup over the whole groups (four running sums), then of aSingle over the tail,
-// element by element. The arrays must be aligned.
-template <typename Group, typename Single, typename... Inputs>
-inline float AlignedSum(UInt64 n, Group aGroup, Single aSingle, const Inputs *... in)
-{
-    const UInt64 whole = n & ~UInt64(3);
-    __m128 sums = _mm_setzero_ps();
-    for (UInt64 i = 0; i < whole; i += 4)
-        sums = _mm_add_ps(sums, aGroup(_mm_load_ps(in + i)...));
-    float sum = LaneSum(sums);
-    for (UInt64 i = whole; i < n; ++i)
-        sum += aSingle(in[i]...);
-    return sum;
-}
-
 // Four running extrema from aStart: aGroup picks per lane, aBetter tells whether its first
 // argument replaces the second; then the tail. The array must be aligned.
 template <typename Group, typename Better>
@@ -255,8 +232,8 @@ float WSSEVectorMathToolImp::VectorDotProduct(const float * a, const float * b, 
 {
     if (!IsAligned(a, b))
         return XBase::VectorDotProduct(a, b, n);
-    return AlignedSum(n, [](__m128 x, __m128 y) { return _mm_mul_ps(x, y); },
-                      [](float x, float y) { return x * y; }, a, b);
+    return AlignedSum<XFloatLanes>(n, [](__m128 x, __m128 y) { return _mm_mul_ps(x, y); },
+                                   [](float x, float y) { return x * y; }, a, b);
 }
 
 void WSSEVectorMathToolImp::VectorAddAndMultiply(const float * a, const float * b,
@@ -295,7 +272,7 @@ float WSSEVectorMathToolImp::VectorSum(const float * a, UInt64 n)
 {
     if (!IsAligned(a))
         return XBase::VectorSum(a, n);
-    return AlignedSum(n, [](__m128 x) { return x; }, [](float x) { return x; }, a);
+    return AlignedSum<XFloatLanes>(n, [](__m128 x) { return x; }, [](float x) { return x; }, a);
 }
 
 float WSSEVectorMathToolImp::VectorFindMaxValue(const float * a, UInt64 n)
@@ -332,8 +309,8 @@ float WSSEVectorMathToolImp::VectorDotProductDivide(const float * a, const float
 {
     if (!IsAligned(a, b, c))
         return XBase::VectorDotProductDivide(a, b, c, n);
-    return AlignedSum(n, DotProductDivideTerm, [](float x, float y, float z) { return x * y / z; },
-                      a, b, c);
+    return AlignedSum<XFloatLanes>(
+        n, DotProductDivideTerm, [](float x, float y, float z) { return x * y / z; }, a, b, c);
 }
 
 void WSSEVectorMathToolImp::VectorClampBelow(const float * a, float * o, float s, UInt64 n)
@@ -355,12 +332,12 @@ float WSSEVectorMathToolImp::VectorChiSquared(const float * a, const float * b, 
 {
     if (!IsAligned(a, b, c))
         return XBase::VectorChiSquared(a, b, c, n);
-    return AlignedSum(n, ChiSquaredTerm,
-                      [](float x, float y, float z) {
-                          const float d = x - y;
-                          return d * d / z;
-                      },
-                      a, b, c);
+    return AlignedSum<XFloatLanes>(n, ChiSquaredTerm,
+                                   [](float x, float y, float z) {
+                                       const float d = x - y;
+                                       return d * d / z;
+                                   },
+                                   a, b, c);
 }
 
 void WSSEVectorMathToolImp::VectorScalarSubtract(const float * a, const float * b, float s,
@@ -378,7 +355,8 @@ float WSSEVectorMathToolImp::VectorSquareMultiplySum(const float * a, const floa
 {
     if (!IsAligned(a, b))
         return XBase::VectorSquareMultiplySum(a, b, n);
-    return AlignedSum(n, SquareMultiplyTerm, [](float x, float y) { return x * x * y; }, a, b);
+    return AlignedSum<XFloatLanes>(n, SquareMultiplyTerm,
+                                   [](float x, float y) { return x * x * y; }, a, b);
 }
 
 void WSSEVectorMathToolImp::VectorCalcSearchVec2(const float * a, const float * b, float * o,
@@ -386,23 +364,7 @@ void WSSEVectorMathToolImp::VectorCalcSearchVec2(const float * a, const float * 
 {
     if (!IsAligned(a, b, o))
         return XBase::VectorCalcSearchVec2(a, b, o, outQ, n);
-    const UInt64 whole = WholeGroups(n);
-    __m128 sums = _mm_setzero_ps();
-    for (UInt64 i = 0; i < whole; i += 4)
-    {
-        const __m128 x = _mm_load_ps(a + i);
-        const __m128 product = _mm_mul_ps(x, _mm_load_ps(b + i));
-        _mm_store_ps(o + i, product);
-        sums = _mm_add_ps(sums, _mm_mul_ps(product, x));
-    }
-    float sum = LaneSum(sums);
-    for (UInt64 i = whole; i < n; ++i)
-    {
-        const float x = a[i];
-        o[i] = x * b[i];
-        sum += o[i] * x;
-    }
-    outQ = sum;
+    outQ = AlignedSearchVec2<XFloatLanes>(a, b, o, n);
 }
 
 void WSSEVectorMathToolImp::VectorTransform(float ** somePlanes, SInt32 someDimension,

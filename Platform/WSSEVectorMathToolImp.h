@@ -112,4 +112,62 @@ protected:
     {
         return _mm_mul_ps(_mm_mul_ps(a, a), b);
     }
+
+    // How the group sums accumulate: four running float sums, added at the end as
+    // lane 1 + lane 0 + lane 2 + lane 3. WSSE2VectorMathToolImp has a policy of its own in
+    // double; a policy gives Sums, Sum, Zero, Add(sums, four terms) and Reduce(sums).
+    struct XFloatLanes
+    {
+        using Sums = __m128;
+        using Sum = float;
+        static Sums Zero() { return _mm_setzero_ps(); }
+        static Sums Add(Sums someSums, __m128 someTerms) { return _mm_add_ps(someSums, someTerms); }
+        static Sum Reduce(Sums someSums)
+        {
+            alignas(16) float lanes[4];
+            _mm_store_ps(lanes, someSums);
+            return ((lanes[1] + lanes[0]) + lanes[2]) + lanes[3];
+        }
+    };
+
+    // The sum of aGroup over the whole groups of the aligned arrays, then of aSingle over the
+    // tail, element by element.
+    template <typename Lanes, typename Group, typename Single, typename... Inputs>
+    static typename Lanes::Sum AlignedSum(UInt64 n, Group aGroup, Single aSingle,
+                                          const Inputs *... in)
+    {
+        const UInt64 whole = WholeGroups(n);
+        typename Lanes::Sums sums = Lanes::Zero();
+        for (UInt64 i = 0; i < whole; i += 4)
+            sums = Lanes::Add(sums, aGroup(_mm_load_ps(in + i)...));
+        typename Lanes::Sum sum = Lanes::Reduce(sums);
+        for (UInt64 i = whole; i < n; ++i)
+            sum += aSingle(in[i]...);
+        return sum;
+    }
+
+    // VectorCalcSearchVec2 on aligned arrays: o = a * b, and the sum of o * a.
+    template <typename Lanes>
+    static typename Lanes::Sum AlignedSearchVec2(const float * a, const float * b, float * o,
+                                                 UInt64 n)
+    {
+        const UInt64 whole = WholeGroups(n);
+        typename Lanes::Sums sums = Lanes::Zero();
+        for (UInt64 i = 0; i < whole; i += 4)
+        {
+            const __m128 x = _mm_load_ps(a + i);
+            const __m128 product = _mm_mul_ps(x, _mm_load_ps(b + i));
+            _mm_store_ps(o + i, product);
+            sums = Lanes::Add(sums, _mm_mul_ps(product, x));
+        }
+        typename Lanes::Sum sum = Lanes::Reduce(sums);
+        for (UInt64 i = whole; i < n; ++i)
+        {
+            const float x = a[i];
+            const float product = x * b[i];
+            o[i] = product;
+            sum += product * x;
+        }
+        return sum;
+    }
 };

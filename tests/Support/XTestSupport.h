@@ -1,6 +1,7 @@
 #pragma once
-// Small helpers shared by the test programs: the error number an action raises, a counter that
-// threads raise and wait on with a bound, and a scoped environment variable.
+// Small helpers shared by the test programs: the error number an action raises, the text of the
+// internal error it reports, a counter that threads raise and wait on with a bound, and a
+// scoped environment variable.
 
 #include <chrono>
 #include <condition_variable>
@@ -11,6 +12,7 @@
 #include <string>
 
 #include "XException.h"
+#include "XInternalError.h"
 #include "XTypes.h"
 
 // The number of the XException that anAction raises, or 0 when it raises none.
@@ -25,6 +27,20 @@ inline UInt32 ErrorOf(const std::function<void()> & anAction)
         return anError.GetErrorNumber();
     }
     return 0;
+}
+
+// The expression of the internal error that anAction reports, or "" when it reports none.
+inline std::string InternalErrorOf(const std::function<void()> & anAction)
+{
+    try
+    {
+        anAction();
+    }
+    catch (const XInternalError & anError)
+    {
+        return anError.GetExpression();
+    }
+    return "";
 }
 
 // Counts arrivals; WaitFor returns when the count reaches a target, or false after the bound,

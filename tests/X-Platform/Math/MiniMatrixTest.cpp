@@ -15,22 +15,10 @@
 #include "XInternalError.h"
 #include "XMiniSquareMatrix.h"
 #include "XMiniVector.h"
+#include "XTestSupport.h"
 
 namespace
 {
-std::string AssertionOf(const std::function<void()> & anAction)
-{
-    try
-    {
-        anAction();
-    }
-    catch (const XInternalError & anError)
-    {
-        return anError.GetExpression();
-    }
-    return "";
-}
-
 XMiniSquareMatrix Build(SInt32 aSize, std::initializer_list<float> someRowMajorValues)
 {
     XMiniSquareMatrix matrix(aSize);
@@ -85,11 +73,11 @@ TEST(MiniVector, MeasuresAndProducts)
 
 TEST(MiniVector, Assertions)
 {
-    EXPECT_EQ(AssertionOf([] { XMiniVector v(9); }), "theSize <= kMaxSize");
-    EXPECT_EQ(AssertionOf([] { XMiniVector v(8); }), "");
+    EXPECT_EQ(InternalErrorOf([] { XMiniVector v(9); }), "theSize <= kMaxSize");
+    EXPECT_EQ(InternalErrorOf([] { XMiniVector v(8); }), "");
     XMiniVector v(2);
-    EXPECT_EQ(AssertionOf([&] { v[2] = 1.f; }), "idx<size");
-    EXPECT_EQ(AssertionOf([&] { v.PreMultiply(XMiniSquareMatrix(3)); }), "matrix.GetSize() == GetSize()");
+    EXPECT_EQ(InternalErrorOf([&] { v[2] = 1.f; }), "idx<size");
+    EXPECT_EQ(InternalErrorOf([&] { v.PreMultiply(XMiniSquareMatrix(3)); }), "matrix.GetSize() == GetSize()");
 }
 
 TEST(MiniSquareMatrix, BuildingTransposeAndSymmetry)
@@ -116,14 +104,14 @@ TEST(MiniSquareMatrix, BuildingTransposeAndSymmetry)
 TEST(MiniSquareMatrix, Assertions)
 {
     XMiniSquareMatrix m(2);
-    EXPECT_EQ(AssertionOf([&] { m.Set(8, 0, 1.f); }), "(i>=0) && (i<kMaxSize)");
-    EXPECT_EQ(AssertionOf([&] { m.Get(0, -1); }), "(j>=0) && (j<kMaxSize)");
+    EXPECT_EQ(InternalErrorOf([&] { m.Set(8, 0, 1.f); }), "(i>=0) && (i<kMaxSize)");
+    EXPECT_EQ(InternalErrorOf([&] { m.Get(0, -1); }), "(j>=0) && (j<kMaxSize)");
     // Indices are checked against the capacity, not the size.
-    EXPECT_EQ(AssertionOf([&] { m.Set(5, 7, 1.f); }), "");
+    EXPECT_EQ(InternalErrorOf([&] { m.Set(5, 7, 1.f); }), "");
     XMiniSquareMatrix three(3);
-    EXPECT_EQ(AssertionOf([&] { m.GetEigenVectors(three); }), "dest.GetSize() == GetSize()");
+    EXPECT_EQ(InternalErrorOf([&] { m.GetEigenVectors(three); }), "dest.GetSize() == GetSize()");
     XMiniVector values(3);
-    EXPECT_EQ(AssertionOf([&] { m.GetEigenValues(values); }), "dest.GetSize() == size");
+    EXPECT_EQ(InternalErrorOf([&] { m.GetEigenValues(values); }), "dest.GetSize() == size");
 }
 
 TEST(MiniSquareMatrix, EigenSystemOfDiagonalAndSingleElementMatrices)

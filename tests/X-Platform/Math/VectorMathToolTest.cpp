@@ -26,20 +26,6 @@ namespace
 {
 constexpr float kLn2 = 0.6931472f;
 
-// The text of the internal error that anAction reports, or "" when it reports none.
-std::string AssertionOf(const std::function<void()> & anAction)
-{
-    try
-    {
-        anAction();
-    }
-    catch (const XInternalError & anError)
-    {
-        return anError.GetExpression();
-    }
-    return "";
-}
-
 // Makes each implementation current in turn, and the best one again at the end.
 void ForEachImplementation(const std::function<void()> & aCheck)
 {
@@ -142,16 +128,16 @@ TEST(VectorMathTool, AssertionsOfTheStaticAndPortableForms)
     alignas(16) float a[4] = {1.f, 2.f, 3.f, 4.f};
     alignas(16) float o[4];
     ForEachImplementation([&] {
-        EXPECT_EQ(AssertionOf([&] { XVectorMathTool::VectorDivide(a, 0.f, o, 4); }), "aScalar != 0.0");
-        EXPECT_EQ(AssertionOf([&] { XVectorMathTool::VectorMultiplyAndDivide(a, a, 0.f, o, 4); }),
+        EXPECT_EQ(InternalErrorOf([&] { XVectorMathTool::VectorDivide(a, 0.f, o, 4); }), "aScalar != 0.0");
+        EXPECT_EQ(InternalErrorOf([&] { XVectorMathTool::VectorMultiplyAndDivide(a, a, 0.f, o, 4); }),
                   "aScalar != 0.0");
-        EXPECT_EQ(AssertionOf([&] { XVectorMathTool::VectorLogBaseX(a, o, 0.f, 4); }), "aBase > 0");
-        EXPECT_EQ(AssertionOf([&] { XVectorMathTool::VectorLogBaseX(a, o, -2.f, 4); }), "aBase > 0");
+        EXPECT_EQ(InternalErrorOf([&] { XVectorMathTool::VectorLogBaseX(a, o, 0.f, 4); }), "aBase > 0");
+        EXPECT_EQ(InternalErrorOf([&] { XVectorMathTool::VectorLogBaseX(a, o, -2.f, 4); }), "aBase > 0");
     });
     XVectorMathToolImp & portable = *XVectorMathTool::GetPortableImplementation();
-    EXPECT_EQ(AssertionOf([&] { portable.VectorMultiplyAndDivide(a, a, 0.f, o, 4); }), "aScalar != 0.f");
-    EXPECT_EQ(AssertionOf([&] { portable.VectorLogBaseX(a, o, 0.f, 4); }), "aBase > 0.f");
-    EXPECT_EQ(AssertionOf([&] { portable.VectorMultiplyAndDivide(a, a, 1.f, o, 4); }), "");
+    EXPECT_EQ(InternalErrorOf([&] { portable.VectorMultiplyAndDivide(a, a, 0.f, o, 4); }), "aScalar != 0.f");
+    EXPECT_EQ(InternalErrorOf([&] { portable.VectorLogBaseX(a, o, 0.f, 4); }), "aBase > 0.f");
+    EXPECT_EQ(InternalErrorOf([&] { portable.VectorMultiplyAndDivide(a, a, 1.f, o, 4); }), "");
 }
 
 TEST(VectorMathTool, ImplementationChosenByProcessorFeature)
@@ -206,7 +192,7 @@ TEST(VectorMathTool, TransformMapsPlanesThroughTheMatrix)
             EXPECT_EQ(planes[0], start0 + 5);
         }
         float * none[3] = {nullptr, nullptr, nullptr};
-        EXPECT_EQ(AssertionOf([&] { XVectorMathTool::VectorTransform(none, 3, matrix, 0); }),
+        EXPECT_EQ(InternalErrorOf([&] { XVectorMathTool::VectorTransform(none, 3, matrix, 0); }),
                   "dimension <= matrix.GetSize()");
     });
 }
