@@ -34,7 +34,10 @@ public:
     double operator()(SInt32 aRow, SInt32 aColumn) const { return itsMatrix(aRow, aColumn); }
     double & operator()(SInt32 aRow, SInt32 aColumn) { return itsMatrix(aRow, aColumn); }
     double GetElement(SInt32 aRow, SInt32 aColumn) const { return itsMatrix(aRow, aColumn); }
-    void SetElement(SInt32 aRow, SInt32 aColumn, double aValue) { itsMatrix(aRow, aColumn) = aValue; }
+    void SetElement(SInt32 aRow, SInt32 aColumn, double aValue)
+    {
+        itsMatrix(aRow, aColumn) = aValue;
+    }
 
     X3DMatrix & operator*=(double aScalar);
     X3DMatrix & operator/=(double aScalar);

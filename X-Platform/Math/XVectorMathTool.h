@@ -109,11 +109,12 @@ public:
     static void VectorLogNatural(const float * a, float * o, UInt64 n);
     static void VectorLogBaseTen(const float * a, float * o, UInt64 n);
 
-    // A diagnostic: times each operation on aX * aY * aZ floats with the portable and the best
-    // implementation, compares the two results, and adds one line per operation to the session
-    // log: "Operation = <name> : Percentage speed up = <p> : Max percent diff = <d>" (without
-    // the last part for operations that give no array). The current implementation is restored
-    // afterwards.
+    // A diagnostic: times each operation on aX * aY * aZ floats (four blocks, filled with
+    // 1 + k, 2 + k, 3 + k, 4 + k; the third and fourth take the results) with the portable and
+    // the best implementation, compares the two results, and adds one line per operation to
+    // the session log: "Operation = <name> : Percentage speed up = <p> : Max percent diff = <d>"
+    // (without the last part for operations that give no array), in nanoseconds and with two
+    // decimals. The current implementation is restored afterwards.
     static void TestFunctions(SInt32 aX, SInt32 aY, SInt32 aZ);
 
 private:

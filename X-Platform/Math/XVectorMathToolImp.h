@@ -9,8 +9,8 @@
 // element). Sums in float accumulate in float, the ...64 forms in double. Divisions by zero,
 // logarithms of non-positive values and the like yield what the floating-point unit gives.
 //
-// The virtual operations keep the order of the operation table of the library; the processor
-// classes rely on it only through overriding.
+// The virtual operations are declared in the order of the library's table of operations,
+// numbered below.
 
 #include <bit>
 #include <cstdint>
