@@ -4,7 +4,8 @@
 // arithmetic run also on 16 K floats that stay in the cache, 256 calls a run, to show the
 // arithmetic without the memory. run_vector_math.sh runs this program and numpy on the same
 // data and prints the ratios. Rows are CSV (see XBenchCsvReporter.h); the result column reads
-// "arrays=<arrays the kernel streams> check=<a checksum of its result>".
+// "arrays=<arrays the kernel streams> check=<a checksum of its result>". Workload names hold no
+// commas.
 
 #include <benchmark/benchmark.h>
 
@@ -108,11 +109,11 @@ struct XKernel
 using I = XVectorMathToolImp;
 
 const XKernel kElementWise[] = {
-    {"VectorAdd(a, s)", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorAdd(d.a, 0.5f, d.o, n); }},
-    {"VectorAdd(a, b)", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorAdd(d.a, d.b, d.o, n); }},
+    {"VectorAdd a+s", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorAdd(d.a, 0.5f, d.o, n); }},
+    {"VectorAdd a+b", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorAdd(d.a, d.b, d.o, n); }},
     {"VectorSubtract", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorSubtract(d.a, d.b, d.o, n); }},
-    {"VectorMultiply(a, s)", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorMultiply(d.a, 3.f, d.o, n); }},
-    {"VectorMultiply(a, b)", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorMultiply(d.a, d.b, d.o, n); }},
+    {"VectorMultiply a*s", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorMultiply(d.a, 3.f, d.o, n); }},
+    {"VectorMultiply a*b", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorMultiply(d.a, d.b, d.o, n); }},
     {"VectorSquare", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorSquare(d.b, d.o, n); }},
     {"VectorFillReal", 1, false, [](I & m, XData & d, UInt64 n) { m.VectorFillReal(0.25f, d.o, n); }},
     {"VectorClampBelow", 2, false, [](I & m, XData & d, UInt64 n) { m.VectorClampBelow(d.b, d.o, 0.f, n); }},
@@ -120,9 +121,9 @@ const XKernel kElementWise[] = {
     {"VectorScalarSubtract", 3, false, [](I & m, XData & d, UInt64 n) { m.VectorScalarSubtract(d.a, d.b, 2.f, 0.5f, d.o, n); }},
     {"VectorAddAndMultiply", 4, false, [](I & m, XData & d, UInt64 n) { m.VectorAddAndMultiply(d.a, d.b, d.c, d.o, n); }},
     {"VectorDivide", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorDivide(d.b, d.c, d.o, n); }},
-    {"VectorMultiplyAndDivide(a, b, c)", 4, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.a, d.b, d.c, d.o, n); }},
-    {"VectorMultiplyAndDivide(a, s, b)", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.b, 2.f, d.c, d.o, n); }},
-    {"VectorMultiplyAndDivide(a, b, s)", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.a, d.b, 3.f, d.o, n); }},
+    {"VectorMultiplyAndDivide a*b/c", 4, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.a, d.b, d.c, d.o, n); }},
+    {"VectorMultiplyAndDivide s*a/b", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.b, 2.f, d.c, d.o, n); }},
+    {"VectorMultiplyAndDivide a*b/s", 3, true, [](I & m, XData & d, UInt64 n) { m.VectorMultiplyAndDivide(d.a, d.b, 3.f, d.o, n); }},
     {"VectorReciprocal", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorReciprocal(d.c, d.o, n); }},
     {"VectorSqrt", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorSqrt(d.a, d.o, n); }},
     {"VectorReciprocalSqrt", 2, true, [](I & m, XData & d, UInt64 n) { m.VectorReciprocalSqrt(d.a, d.o, n); }},
