@@ -123,7 +123,8 @@ namespace
 std::shared_ptr<XMessage> CloneMessage(const XMessage & aMessage)
 {
     std::shared_ptr<XMessage> copy(aMessage.Clone());
-    XAssertText(copy != nullptr && typeid(*copy) == typeid(aMessage),
+    const XMessage * made = copy.get();
+    XAssertText(made != nullptr && typeid(*made) == typeid(aMessage),
                 "the Clone of a message makes a message of the same class");
     return copy;
 }

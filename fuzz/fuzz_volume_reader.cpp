@@ -23,7 +23,7 @@ void Exercise(const XStorable & anObject)
     {
         XLock lock(*volume, kLockRead);
     }
-    if (!(*volume == *volume) && !volume->IsA(XVersion(XFPVolume::kClassID)))
+    if (!volume->operator==(*volume) && !volume->IsA(XVersion(XFPVolume::kClassID)))
         __builtin_trap();
     XMemoryHandle bytes;
     {

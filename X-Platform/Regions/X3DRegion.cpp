@@ -1,12 +1,18 @@
 #include "X3DRegion.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 
+#include "XBooleanVolumeTool.h"
 #include "XException.h"
 #include "XGrey8Volume.h"
 #include "XLock.h"
+#include "XMaskBits.h"
 #include "XMaskVolume.h"
+#include "XProgress.h"
 #include "XStream.h"
+#include "XThread.h"
 #include "XVolumeScanner.h"
 
 void X3DRegion::XCropHelper::SetupForScan(XVolume & aVolume)
@@ -20,6 +26,57 @@ void X3DRegion::XCropHelper::SetupForScan(XVolume & aVolume)
     itsMaxZ = bounds.GetFront();
     itsCount = 0;
     itsEmpty = true;
+}
+
+void X3DRegion::XPixelCountHelper::ScanRow(const UInt8 * aRow, XVolume & aVolume, SInt32 aX, UInt32 aCount,
+                                           SInt32 aY, SInt32 aZ, const UInt8 * aMask)
+{
+    UInt32 i = 0;
+    if constexpr (XMaskBits::kUsable)
+        for (; i + 8 <= aCount; i += 8)
+            itsCount += XMaskBits::Count(XMaskBits::Of(aRow + i) & (aMask != nullptr ? XMaskBits::Of(aMask + i) : ~0ull));
+    for (; i < aCount; ++i)
+        if (aMask == nullptr || aMask[i] > 127)
+            ScanPixel(aRow + i, aVolume, aX + SInt32(i), aY, aZ);
+}
+
+void X3DRegion::XCropHelper::ScanRow(const UInt8 * aRow, XVolume & aVolume, SInt32 aX, UInt32 aCount, SInt32 aY,
+                                     SInt32 aZ, const UInt8 * aMask)
+{
+    UInt32 i = 0;
+    if constexpr (XMaskBits::kUsable)
+    {
+        SInt64 first = -1, last = -1;
+        UInt32 count = 0;
+        for (; i + 8 <= aCount; i += 8)
+        {
+            // Mostly clear masks go by 32 bytes at a time.
+            if (aMask == nullptr && (i & 31) == 0 && i + 32 <= aCount &&
+                (XMaskBits::Of(aRow + i) | XMaskBits::Of(aRow + i + 8) | XMaskBits::Of(aRow + i + 16) |
+                 XMaskBits::Of(aRow + i + 24)) == 0)
+            {
+                i += 24;
+                continue;
+            }
+            const UInt64 bits = XMaskBits::Of(aRow + i) & (aMask != nullptr ? XMaskBits::Of(aMask + i) : ~0ull);
+            if (bits == 0)
+                continue;
+            count += XMaskBits::Count(bits);
+            if (first < 0)
+                first = i + XMaskBits::First(bits);
+            last = i + XMaskBits::Last(bits);
+        }
+        if (count != 0)
+        {
+            // The set voxels of the run widen the limits as one by one they would.
+            ScanPixel(aRow + first, aVolume, aX + SInt32(first), aY, aZ);
+            ScanPixel(aRow + last, aVolume, aX + SInt32(last), aY, aZ);
+            itsCount += count - (first == last ? 1 : 2);
+        }
+    }
+    for (; i < aCount; ++i)
+        if (aMask == nullptr || aMask[i] > 127)
+            ScanPixel(aRow + i, aVolume, aX + SInt32(i), aY, aZ);
 }
 
 X3DRect X3DRegion::XCropHelper::GetLimit() const
@@ -136,6 +193,7 @@ void X3DRegion::LockSelf(XLockMode aMode) const
         return;
     LockFor(*itsMask, aMode);
     itsLockedBase = static_cast<const UInt8 *>(itsMask->GetBasePtr());
+    itsLockedOrigin = itsMask->GetBounds().GetOrigin();
     itsLockedRowBytes = itsMask->GetRowBytes();
     itsLockedPlaneBytes = itsMask->GetPlaneBytes();
 }
@@ -155,18 +213,384 @@ void X3DRegion::CropToFitVolume()
         return;
     XCropHelper helper;
     XScanVolume(*itsMask, helper, nullptr, kLockReadWrite);
-    const X3DRect limit = helper.GetLimit();
-    if (helper.IsRect())
+    ApplyCrop(helper);
+}
+
+void X3DRegion::ApplyCrop(const XCropHelper & aScan)
+{
+    const X3DRect limit = aScan.GetLimit();
+    if (aScan.IsRect())
     {
         itsBounds = limit;
         SetMask(nullptr);
+        return;
     }
-    else if (limit != itsBounds)
+    // The mask is compared rather than the bounds: after Xor under a crop lock the mask can be
+    // larger than the bounds, and the crop brings the two together again.
+    if (limit != itsMask->GetBounds())
     {
         std::unique_ptr<XVolume> mask(itsMask->Clone(limit));
-        itsBounds = limit;
         SetMask(static_cast<XMaskVolume *>(mask.release()));
     }
+    itsBounds = limit;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Queries
+
+template <typename Test>
+bool X3DRegion::AnyVoxel(const X3DRegion & anOther, const X3DRect & aBox, Test aTest) const
+{
+    XLock lock(*this, kLockRead);
+    XLock otherLock(anOther, kLockRead);
+    for (SInt32 z = aBox.GetFront(); z < aBox.GetBack(); ++z)
+        for (SInt32 y = aBox.GetTop(); y < aBox.GetBottom(); ++y)
+            for (SInt32 x = aBox.GetLeft(); x < aBox.GetRight(); ++x)
+                if (aTest(Contains(x, y, z), anOther.Contains(x, y, z)))
+                    return true;
+    return false;
+}
+
+bool X3DRegion::Contains(const X3DRegion & aRegion) const
+{
+    if (!itsBounds.Contains(aRegion.GetBounds()))
+        return false;
+    if (IsSimple())
+        return true;
+    // Not contained where a voxel of the other is missing here.
+    return !AnyVoxel(aRegion, aRegion.GetBounds(), [](bool inThis, bool inOther) { return !inThis && inOther; });
+}
+
+bool X3DRegion::DoesTouch(const X3DRegion & aRegion) const
+{
+    X3DRect box = itsBounds;
+    box.Sect(aRegion.GetBounds());
+    if (box.IsEmpty())
+        return false;
+    if (IsSimple() && aRegion.IsSimple())
+        return true;
+    return AnyVoxel(aRegion, box, [](bool inThis, bool inOther) { return inThis && inOther; });
+}
+
+UInt32 X3DRegion::GetVolume() const
+{
+    if (IsSimple())
+        return itsBounds.GetWidth() * itsBounds.GetHeight() * itsBounds.GetDepth();
+    XPixelCountHelper helper;
+    XScanVolume(*itsMask, helper, nullptr, kLockReadWrite);
+    return helper.GetPixelCount();
+}
+
+bool X3DRegion::IsVolumeGreaterThanOrEqualTo(UInt32 aCount) const
+{
+    if (IsSimple())
+        return itsBounds.GetVolume() > aCount;
+    if (itsBounds.GetVolume() < aCount)
+        return false;
+    XLock lock(*itsMask, kLockRead);
+    UInt64 count = 0;
+    for (SInt32 z = itsBounds.GetFront(); z < itsBounds.GetBack(); ++z)
+        for (SInt32 y = itsBounds.GetTop(); y < itsBounds.GetBottom(); ++y)
+        {
+            const UInt8 * row = itsMask->GetVoxelPtr(itsBounds.GetLeft(), y, z);
+            for (UInt32 x = 0; x < itsBounds.GetWidth(); ++x)
+                if (row[x] > 127 && ++count >= aCount)
+                    return true;
+        }
+    return false;
+}
+
+bool X3DRegion::IsEqual(const X3DRegion & aRegion) const
+{
+    if (IsSimple() != aRegion.IsSimple() || itsBounds != aRegion.GetBounds())
+        return false;
+    return IsSimple() || itsMask->operator==(*aRegion.itsMask);
+}
+
+bool X3DRegion::FastButInaccurateIsEqualTo(const X3DRegion & aRegion) const
+{
+    if (IsComplex() && aRegion.IsComplex())
+        return false;
+    return IsEqual(aRegion);
+}
+
+void X3DRegion::CalculateCentroid(X3DPointF & outCentre) const
+{
+    X3DPointF scaled;
+    CalculateCentroid(X3DPointF(1.0f, 1.0f, 1.0f), outCentre, scaled);
+}
+
+void X3DRegion::CalculateCentroid(const X3DPointF & aScale, X3DPointF & outVoxelCentre,
+                                  X3DPointF & outScaledCentre) const
+{
+    if (IsSimple())
+    {
+        const X3DRect & b = itsBounds;
+        outVoxelCentre = X3DPointF(float((double(b.GetLeft()) + b.GetRight() - 1) * 0.5),
+                                   float((double(b.GetTop()) + b.GetBottom() - 1) * 0.5),
+                                   float((double(b.GetFront()) + b.GetBack() - 1) * 0.5));
+        outScaledCentre = X3DPointF(outVoxelCentre.x * aScale.x, outVoxelCentre.y * aScale.y, outVoxelCentre.z * aScale.z);
+        return;
+    }
+    SInt64 sumX = 0, sumY = 0, sumZ = 0, voxelCount = 0;
+    double scaledX = 0.0, scaledY = 0.0, scaledZ = 0.0;
+    {
+        XLock lock(*itsMask, kLockRead);
+        for (SInt32 z = itsBounds.GetFront(); z < itsBounds.GetBack(); ++z)
+            for (SInt32 y = itsBounds.GetTop(); y < itsBounds.GetBottom(); ++y)
+            {
+                const UInt8 * row = itsMask->GetVoxelPtr(itsBounds.GetLeft(), y, z);
+                for (SInt32 x = itsBounds.GetLeft(); x < itsBounds.GetRight(); ++x)
+                    if (row[x - itsBounds.GetLeft()] != 0)
+                    {
+                        sumX += x, sumY += y, sumZ += z, ++voxelCount;
+                        scaledX += double(x) * aScale.x;
+                        scaledY += double(y) * aScale.y;
+                        scaledZ += double(z) * aScale.z;
+                    }
+            }
+    }
+    XAssertText(voxelCount > 0, "voxelCount > 0");
+    const double count = double(voxelCount);
+    outVoxelCentre = X3DPointF(float(double(sumX) / count), float(double(sumY) / count), float(double(sumZ) / count));
+    outScaledCentre = X3DPointF(float(scaledX / count), float(scaledY / count), float(scaledZ / count));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Set operations
+
+std::unique_ptr<XMaskVolume> X3DRegion::MakeMask() const
+{
+    if (itsMask != nullptr)
+        return std::unique_ptr<XMaskVolume>(itsMask->Clone());
+    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(itsBounds));
+    mask->Fill(255);
+    return mask;
+}
+
+namespace
+{
+// Where a region holds voxels along one row: the run [x0, x1) of its box, and the mask bytes of
+// the run (null for a plain box). An empty run when the row misses the box.
+struct XRegionRow
+{
+    SInt32 x0 = 0, x1 = 0;
+    const UInt8 * bytes = nullptr;
+
+    bool Holds(SInt32 anX) const { return anX >= x0 && anX < x1 && (bytes == nullptr || bytes[anX - x0] > 127); }
+    // The byte that a mask of the region has at anX: 255 for a plain box.
+    UInt8 ByteAt(SInt32 anX) const { return bytes == nullptr ? 255 : bytes[anX - x0]; }
+};
+
+XRegionRow RowOf(const X3DRegion & aRegion, SInt32 aY, SInt32 aZ)
+{
+    const X3DRect & b = aRegion.GetBounds();
+    XRegionRow row;
+    if (aY < b.GetTop() || aY >= b.GetBottom() || aZ < b.GetFront() || aZ >= b.GetBack())
+        return row;
+    row.x0 = b.GetLeft();
+    row.x1 = b.GetRight();
+    row.bytes = aRegion.GetLockedBase() != nullptr ? aRegion.GetLockedVoxel(b.GetLeft(), aY, aZ) : nullptr;
+    return row;
+}
+
+// Sets the bytes of anOut (the row from aLeft to aRight) to aValue where aRow holds voxels.
+void MarkRow(UInt8 * anOut, SInt32 aLeft, SInt32 aRight, const XRegionRow & aRow, UInt8 aValue)
+{
+    const SInt32 x0 = std::max(aLeft, aRow.x0), x1 = std::min(aRight, aRow.x1);
+    if (x0 >= x1)
+        return;
+    UInt8 * out = anOut + (x0 - aLeft);
+    const UInt32 count = UInt32(x1 - x0);
+    if (aRow.bytes == nullptr)
+        std::memset(out, aValue, count);
+    else
+    {
+        const UInt8 * __restrict bytes = aRow.bytes + (x0 - aRow.x0);
+        UInt8 * __restrict row = out;
+        const UInt8 value = aValue;
+        for (UInt32 i = 0; i < count; ++i)
+            row[i] = bytes[i] > 127 ? value : row[i];
+    }
+}
+} // namespace
+
+template <typename RowRule>
+void X3DRegion::CombineInto(const X3DRegion & anOther, const X3DRect & aBox, RowRule aRule)
+{
+    // A new mask comes cleared.
+    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(aBox));
+    XCropHelper scan;
+    {
+        XLock lock(*this, kLockRead);
+        XLock otherLock(anOther, kLockRead);
+        XLock maskLock(*mask, kLockReadWrite);
+        scan.SetupForScan(*mask);
+        XProgress progress(aBox.GetDepth(), XProgress::kProgressWithEstimate, 2000, false);
+        for (SInt32 z = aBox.GetFront(); z < aBox.GetBack(); ++z)
+        {
+            XThread::TestCancelCurrentThread();
+            for (SInt32 y = aBox.GetTop(); y < aBox.GetBottom() && aBox.GetWidth() > 0; ++y)
+            {
+                UInt8 * out = mask->GetVoxelPtr(aBox.GetLeft(), y, z);
+                aRule(out, y, z);
+                scan.ScanRow(out, *mask, aBox.GetLeft(), aBox.GetWidth(), y, z, nullptr);
+            }
+            progress.Increment();
+        }
+    }
+    SetMask(mask.release());
+    itsBounds = aBox;
+    if (itsCropLockCount == 0)
+        ApplyCrop(scan);
+}
+
+X3DRegion & X3DRegion::Union(const X3DRegion & aRegion)
+{
+    // The box of both, empty ones included: an empty region at the origin pulls it there until
+    // the crop.
+    X3DRect box = itsBounds;
+    box |= aRegion.GetBounds();
+    const SInt32 left = box.GetLeft();
+    if (IsComplex() && itsMask->GetBounds() == box)
+    {
+        // The other region painted into this mask: this mask's bytes stay where it is not.
+        CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
+            std::memcpy(anOut, GetLockedVoxel(left, aY, aZ), box.GetWidth());
+            MarkRow(anOut, left, box.GetRight(), RowOf(aRegion, aY, aZ), 255);
+        });
+        return *this;
+    }
+    // Both painted into a cleared mask.
+    CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
+        MarkRow(anOut, left, box.GetRight(), RowOf(*this, aY, aZ), 255);
+        MarkRow(anOut, left, box.GetRight(), RowOf(aRegion, aY, aZ), 255);
+    });
+    return *this;
+}
+
+X3DRegion & X3DRegion::Sect(const X3DRegion & aRegion)
+{
+    if (&aRegion == this || (aRegion.IsSimple() && aRegion.GetBounds().Contains(itsBounds)))
+        return *this;
+    X3DRect box = itsBounds;
+    box.Sect(aRegion.GetBounds());
+    if (box.IsEmpty())
+    {
+        // The collapsed box stays; nothing is cropped.
+        itsBounds = box;
+        SetMask(nullptr);
+        return *this;
+    }
+    if (IsSimple() && aRegion.IsSimple())
+    {
+        itsBounds = box;
+        return *this;
+    }
+    // This region's bytes (255 for a plain box) where the other holds voxels, else 0: the mask
+    // of the box masked with the other's.
+    const SInt32 left = box.GetLeft();
+    const UInt32 width = box.GetWidth();
+    CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
+        const XRegionRow own = RowOf(*this, aY, aZ), other = RowOf(aRegion, aY, aZ);
+        const UInt8 * mine = own.bytes != nullptr ? own.bytes + (left - own.x0) : nullptr;
+        const UInt8 * theirs = other.bytes != nullptr ? other.bytes + (left - other.x0) : nullptr;
+        // The count in a local: byte stores could otherwise alias what the rule refers to.
+        const UInt32 count = width;
+        if (theirs == nullptr)
+            std::memcpy(anOut, mine, count);
+        else
+        {
+            // The top bit of the other's byte spread over the byte keeps or clears ours.
+            UInt8 * __restrict out = anOut;
+            for (UInt32 i = 0; i < count; ++i)
+                out[i] = UInt8((mine != nullptr ? mine[i] : 255) & UInt8(0 - (theirs[i] >> 7)));
+        }
+    });
+    return *this;
+}
+
+X3DRegion & X3DRegion::Difference(const X3DRegion & aRegion)
+{
+    X3DRect box = itsBounds;
+    box.Sect(aRegion.GetBounds());
+    if (box.IsEmpty())
+        return *this;
+    // The other region painted out of this one's mask (255 throughout for a plain box).
+    const X3DRect bounds = itsBounds;
+    const SInt32 left = bounds.GetLeft();
+    CombineInto(aRegion, bounds, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
+        const XRegionRow own = RowOf(*this, aY, aZ);
+        if (own.bytes != nullptr)
+            std::memcpy(anOut, own.bytes, bounds.GetWidth());
+        else
+            std::memset(anOut, 255, bounds.GetWidth());
+        MarkRow(anOut, left, bounds.GetRight(), RowOf(aRegion, aY, aZ), 0);
+    });
+    return *this;
+}
+
+X3DRegion & X3DRegion::Xor(const X3DRegion & aRegion)
+{
+    if (aRegion.IsEmpty())
+        return *this;
+    if (IsEmpty())
+        return *this = aRegion;
+    if (IsSimple() && aRegion.IsSimple() && IsEqual(aRegion))
+        return *this = X3DRegion();
+    X3DRect box = itsBounds;
+    box |= aRegion.GetBounds();
+    // The result starts as the union, this region winning where both are.
+    std::unique_ptr<XMaskVolume> result(new XMaskVolume(box));
+    std::unique_ptr<XMaskVolume> other = aRegion.MakeMask();
+    std::unique_ptr<XMaskVolume> own = MakeMask();
+    result->CopyIn(*other, other->GetBounds(), other->GetBounds(), nullptr);
+    result->CopyIn(*own, own->GetBounds(), own->GetBounds(), nullptr);
+    // Where both are, the exclusive or of the two masks.
+    XBooleanVolumeTool().XorVolumes(*own, *other, *own);
+    X3DRect common = itsBounds;
+    common.Sect(aRegion.GetBounds());
+    if (!common.IsEmpty())
+        result->CopyIn(*own, common, common, nullptr);
+    // The bounds come from the crop: under a crop lock they stay as they were.
+    SetMask(result.release());
+    CropToFitVolume();
+    return *this;
+}
+
+X3DRegion operator+(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) += b;
+}
+
+X3DRegion operator|(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) |= b;
+}
+
+X3DRegion operator&(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) &= b;
+}
+
+X3DRegion operator-(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) -= b;
+}
+
+X3DRegion operator^(const X3DRegion & a, const X3DRegion & b)
+{
+    return X3DRegion(a) ^= b;
+}
+
+bool operator==(const X3DRegion & a, const X3DRegion & b)
+{
+    return a.IsEqual(b);
+}
+
+bool operator!=(const X3DRegion & a, const X3DRegion & b)
+{
+    return !a.IsEqual(b);
 }
 
 void X3DRegion::ReadStream2(XStream & aStream, XOptions anOptions)

@@ -15,6 +15,9 @@
 // byte (0 simple, 1 complex) and, for a complex region, the mask as an XMaskVolume object.
 // Version 0 stored the mask as an XGrey8Volume.
 
+#include <memory>
+
+#include "X3DPoint.h"
 #include "X3DPointF.h"
 #include "X3DRect.h"
 #include "XLockable.h"
@@ -38,6 +41,7 @@ public:
             if (*aVoxel > 127)
                 ++itsCount;
         }
+        void ScanRow(const UInt8 * aRow, XVolume &, SInt32, UInt32 aCount, SInt32, SInt32, const UInt8 * aMask);
         void FinishedScanning(XVolume &) {}
         UInt32 GetPixelCount() const { return itsCount; }
 
@@ -64,6 +68,8 @@ public:
             ++itsCount;
             itsEmpty = false;
         }
+        void ScanRow(const UInt8 * aRow, XVolume & aVolume, SInt32 aX, UInt32 aCount, SInt32 aY, SInt32 aZ,
+                     const UInt8 * aMask);
         void FinishedScanning(XVolume &) {}
         // The box of the set voxels, all zero when there is none.
         X3DRect GetLimit() const;
@@ -119,13 +125,48 @@ public:
         return itsLockedBase == nullptr || *GetLockedVoxel(aX, aY, aZ) > 127;
     }
     bool Contains(const X3DPoint & aPoint) const { return Contains(aPoint.x, aPoint.y, aPoint.z); }
+    // Every voxel of the other region is in this one; an empty other whose box lies inside
+    // counts as contained.
+    bool Contains(const X3DRegion & aRegion) const;
+    // The two regions share a voxel.
+    bool DoesTouch(const X3DRegion & aRegion) const;
+    // The number of voxels (a box: the product of its extents, in 32 bits).
+    UInt32 GetVolume() const;
+    // Stops counting as soon as it can answer. For a plain box the volume must be strictly
+    // greater than aCount, unlike the name; a masked region needs aCount set voxels, and at least
+    // one even for 0.
+    bool IsVolumeGreaterThanOrEqualTo(UInt32 aCount) const;
+    bool operator<(const X3DRegion & aRegion) const { return GetVolume() < aRegion.GetVolume(); }
+    // The same voxels: equal boxes, and for two masked regions equal masks. A plain box never
+    // equals a masked region (which in canonical form does not fill its box).
+    virtual bool IsEqual(const X3DRegion & aRegion) const;
+    // IsEqual, except that two masked regions answer false without looking.
+    bool FastButInaccurateIsEqualTo(const X3DRegion & aRegion) const;
+    // The mean voxel position. A masked region counts every mask byte that is not zero (not only
+    // those above 127); one without any is a broken precondition.
+    void CalculateCentroid(X3DPointF & outCentre) const;
+    // The same, and the mean of the positions scaled per axis by aScale.
+    void CalculateCentroid(const X3DPointF & aScale, X3DPointF & outVoxelCentre, X3DPointF & outScaledCentre) const;
+
+    // Set operations, in place; each ends in canonical form unless a crop lock is held.
+    X3DRegion & Union(const X3DRegion & aRegion);
+    // Two regions whose boxes do not meet leave an empty region whose box lies collapsed on the
+    // near edge of the other's box.
+    X3DRegion & Sect(const X3DRegion & aRegion);
+    X3DRegion & Difference(const X3DRegion & aRegion);
+    X3DRegion & Xor(const X3DRegion & aRegion);
+    X3DRegion & operator+=(const X3DRegion & aRegion) { return Union(aRegion); }
+    X3DRegion & operator|=(const X3DRegion & aRegion) { return Union(aRegion); }
+    X3DRegion & operator&=(const X3DRegion & aRegion) { return Sect(aRegion); }
+    X3DRegion & operator-=(const X3DRegion & aRegion) { return Difference(aRegion); }
+    X3DRegion & operator^=(const X3DRegion & aRegion) { return Xor(aRegion); }
     // The mask byte of a voxel inside the box, while the region is locked; null for a simple
     // region (and for any region that is not locked).
     const UInt8 * GetLockedBase() const { return itsLockedBase; }
     const UInt8 * GetLockedVoxel(SInt32 aX, SInt32 aY, SInt32 aZ) const
     {
-        return itsLockedBase + UInt64(SInt64(aZ - itsBounds.GetFront())) * itsLockedPlaneBytes +
-               UInt64(SInt64(aY - itsBounds.GetTop())) * itsLockedRowBytes + UInt64(SInt64(aX - itsBounds.GetLeft()));
+        return itsLockedBase + UInt64(SInt64(aZ - itsLockedOrigin.z)) * itsLockedPlaneBytes +
+               UInt64(SInt64(aY - itsLockedOrigin.y)) * itsLockedRowBytes + UInt64(SInt64(aX - itsLockedOrigin.x));
     }
     UInt64 GetLockedRowBytes() const { return itsLockedRowBytes; }
     UInt64 GetLockedPlaneBytes() const { return itsLockedPlaneBytes; }
@@ -155,11 +196,34 @@ private:
     void WriteStreamSelf(XStream & aStream, XOptions anOptions) const;
     // Replaces the mask (null for none); the old one is deleted.
     void SetMask(XMaskVolume * aMask);
+    // This region's mask, or for a plain box a new mask of the box filled with 255.
+    std::unique_ptr<XMaskVolume> MakeMask() const;
+    // The rest of the crop, from a scan of the mask already made.
+    void ApplyCrop(const XCropHelper & aScan);
+    // Replaces the mask by a new one over aBox, written row by row by aRule(out, y, z) with this
+    // region and anOther locked for reading, and crops it with a scan made as the rows are
+    // written: the result and form of painting or masking into a mask and then cropping.
+    template <typename RowRule>
+    void CombineInto(const X3DRegion & anOther, const X3DRect & aBox, RowRule aRule);
+    // Walks aBox (inside both regions' boxes) under read locks and returns true at the first
+    // voxel for which aTest(set in this, set in the other) holds.
+    template <typename Test>
+    bool AnyVoxel(const X3DRegion & anOther, const X3DRect & aBox, Test aTest) const;
 
     X3DRect itsBounds;
     XMaskVolume * itsMask = nullptr;
     UInt32 itsCropLockCount = 0;
     mutable const UInt8 * itsLockedBase = nullptr;
+    // The mask's first voxel, which in canonical form is the bounds' corner.
+    mutable X3DPoint itsLockedOrigin;
     mutable UInt64 itsLockedRowBytes = 0;
     mutable UInt64 itsLockedPlaneBytes = 0;
 };
+
+X3DRegion operator+(const X3DRegion & a, const X3DRegion & b);
+X3DRegion operator|(const X3DRegion & a, const X3DRegion & b);
+X3DRegion operator&(const X3DRegion & a, const X3DRegion & b);
+X3DRegion operator-(const X3DRegion & a, const X3DRegion & b);
+X3DRegion operator^(const X3DRegion & a, const X3DRegion & b);
+bool operator==(const X3DRegion & a, const X3DRegion & b);
+bool operator!=(const X3DRegion & a, const X3DRegion & b);

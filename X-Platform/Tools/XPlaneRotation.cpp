@@ -146,7 +146,7 @@ void XReverseRow(const UInt8 * aSource, UInt8 * aDest, UInt32 aWidth, UInt32 aVo
     XDispatchVoxelBytes(aVoxelBytes, [&](auto aSize) { ReverseRowOf<decltype(aSize)::value>(aSource, aDest, aWidth); });
 }
 
-void XTurnPlanesHalf(const XBasePackedVolume & aSource, XBasePackedVolume & aDest)
+void XReversePlaneRows(const XBasePackedVolume & aSource, XBasePackedVolume & aDest, bool anUpsideDown)
 {
     XLock sourceLock(aSource, kLockRead);
     XLock destLock(aDest, kLockWrite);
@@ -157,7 +157,8 @@ void XTurnPlanesHalf(const XBasePackedVolume & aSource, XBasePackedVolume & aDes
         const UInt8 * in = aSource.GetLayerPtr(SInt32(z));
         UInt8 * out = aDest.GetLayerPtr(SInt32(z));
         for (UInt32 y = 0; y < height; ++y)
-            XReverseRow(in + y * aSource.GetRowBytes(), out + (height - 1 - y) * aDest.GetRowBytes(), width, voxelBytes);
+            XReverseRow(in + y * aSource.GetRowBytes(), out + (anUpsideDown ? height - 1 - y : y) * aDest.GetRowBytes(),
+                        width, voxelBytes);
     }
 }
 

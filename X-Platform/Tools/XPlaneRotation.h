@@ -14,8 +14,9 @@ class XBasePackedVolume;
 
 // aWidth voxels of aVoxelBytes each: voxel x of aSource becomes voxel aWidth - 1 - x of aDest.
 void XReverseRow(const UInt8 * aSource, UInt8 * aDest, UInt32 aWidth, UInt32 aVoxelBytes);
-// The half turn: voxel (x, y) to (width - 1 - x, height - 1 - y). Locks both volumes.
-void XTurnPlanesHalf(const XBasePackedVolume & aSource, XBasePackedVolume & aDest);
+// Every row back to front: voxel (x, y) to (width - 1 - x, y), the horizontal flip, or with
+// anUpsideDown to (width - 1 - x, height - 1 - y), the half turn. Locks both volumes.
+void XReversePlaneRows(const XBasePackedVolume & aSource, XBasePackedVolume & aDest, bool anUpsideDown);
 // A quarter turn. Clockwise, source row y becomes destination column height - 1 - y, read top
 // to bottom; counter-clockwise, destination column y, read bottom to top. Locks both volumes.
 void XTurnPlanesQuarter(const XBasePackedVolume & aSource, XBasePackedVolume & aDest, bool aClockwise);

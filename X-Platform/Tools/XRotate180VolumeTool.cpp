@@ -14,5 +14,5 @@ void XRotate180VolumeTool::Rotate(const XBasePackedVolume & aSource, XBasePacked
 {
     XAssertText(aSource.GetBounds().IsSameSizeAs(aDest.GetBounds()),
                 "inSrc.GetBounds().IsSameSizeAs( inDest.GetBounds() )");
-    XTurnPlanesHalf(aSource, aDest);
+    XReversePlaneRows(aSource, aDest, true);
 }

@@ -3,12 +3,10 @@
 // y, read bottom to top, so voxel (x, y) goes to (y, width - 1 - x). The result stays centred
 // where the source was.
 
-#include "XRotateVolumeTool.h"
+#include "XQuarterTurnVolumeTool.h"
 
-class XRotate90CCWVolumeTool : public XRotateVolumeTool
+class XRotate90CCWVolumeTool : public XQuarterTurnVolumeTool
 {
-protected:
-    // The source's shape turned, centred on the source's bounds.
-    XVolume * MakeDestVolume(const XVolume & aSource) override;
-    void Rotate(const XBasePackedVolume & aSource, XBasePackedVolume & aDest) override;
+public:
+    XRotate90CCWVolumeTool() : XQuarterTurnVolumeTool(false) {}
 };

@@ -3,12 +3,10 @@
 // height - 1 - y, read top to bottom, so voxel (x, y) goes to (height - 1 - y, x). The result
 // stays centred where the source was.
 
-#include "XRotateVolumeTool.h"
+#include "XQuarterTurnVolumeTool.h"
 
-class XRotate90CWVolumeTool : public XRotateVolumeTool
+class XRotate90CWVolumeTool : public XQuarterTurnVolumeTool
 {
-protected:
-    // The source's shape turned, centred on the source's bounds.
-    XVolume * MakeDestVolume(const XVolume & aSource) override;
-    void Rotate(const XBasePackedVolume & aSource, XBasePackedVolume & aDest) override;
+public:
+    XRotate90CWVolumeTool() : XQuarterTurnVolumeTool(true) {}
 };

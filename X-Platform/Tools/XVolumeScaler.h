@@ -20,6 +20,9 @@ public:
     UInt64 GetSrcX(UInt32 anIndex) const { return itsXTable[anIndex]; }
     UInt64 GetSrcY(UInt32 anIndex) const { return itsYTable[anIndex]; }
     UInt64 GetSrcZ(UInt32 anIndex) const { return itsZTable[anIndex]; }
+    UInt64 GetXStride() const { return itsXStride; }
+    UInt64 GetYStride() const { return itsYStride; }
+    UInt64 GetZStride() const { return itsZStride; }
     const X3DRect & GetSource() const { return itsSource; }
     const X3DRect & GetDest() const { return itsDest; }
 

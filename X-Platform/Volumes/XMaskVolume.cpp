@@ -56,13 +56,19 @@ void XMaskVolume::ReadMaskImageStream()
                                                 " bytes for " + std::to_string(GetHeight()) + " rows of " +
                                                 std::to_string(stride));
     XMemoryHandle inverted(GetVolumeBytes() + kTailBytes);
+    if (GetBounds().IsEmpty())
+    {
+        Storage() = inverted;
+        return;
+    }
     {
         XLock storedLock(stored, kLockRead);
         XLock invertedLock(inverted, kLockWrite);
         const UInt8 * in = static_cast<const UInt8 *>(stored.GetData());
         UInt8 * out = static_cast<UInt8 *>(inverted.GetData());
         // Legacy images have depth 1: the rows of the first layer are all there is.
-        for (UInt64 y = 0; y < GetHeight(); ++y, in += stride, out += GetRowBytes())
+        const UInt64 height = GetHeight(), rowBytes = GetRowBytes();
+        for (UInt64 y = 0; y < height; ++y, in += stride, out += rowBytes)
             for (UInt64 x = 0; x < width; ++x)
                 out[x] = UInt8(~in[x]);
     }

@@ -70,6 +70,8 @@ template <typename Visit>
 void XNumberVolume<T>::ForEachRow(Visit aVisit) const
 {
     XLock lock(*this, kLockRead);
+    if (this->GetBounds().IsEmpty())
+        return;
     const T * row = this->GetBaseVoxelPtr();
     const UInt64 rows = UInt64(this->GetHeight()) * this->GetDepth();
     const UInt64 step = this->GetRowVoxels();
@@ -175,39 +177,17 @@ XNumberVolume<T> & XNumberVolume<T>::SubtractAndClamp(const T & aValue)
 template <typename T>
 T XNumberVolume<T>::FindMin() const
 {
-    T result{};
-    bool first = true;
-    ForEachRow([&](const T * aRow, UInt32 aWidth) {
-        if (first && aWidth > 0)
-            result = aRow[0], first = false;
-        for (UInt32 x = 0; x < aWidth; ++x)
-            result = aRow[x] < result ? aRow[x] : result;
-    });
-    if (first)
-    {
-        XLock lock(*this, kLockRead);
-        result = *this->GetBaseVoxelPtr();
-    }
-    return result;
+    T low{}, high{};
+    FindMinMax(low, high);
+    return low;
 }
 
 template <typename T>
 T XNumberVolume<T>::FindMax() const
 {
-    T result{};
-    bool first = true;
-    ForEachRow([&](const T * aRow, UInt32 aWidth) {
-        if (first && aWidth > 0)
-            result = aRow[0], first = false;
-        for (UInt32 x = 0; x < aWidth; ++x)
-            result = aRow[x] > result ? aRow[x] : result;
-    });
-    if (first)
-    {
-        XLock lock(*this, kLockRead);
-        result = *this->GetBaseVoxelPtr();
-    }
-    return result;
+    T low{}, high{};
+    FindMinMax(low, high);
+    return high;
 }
 
 template <typename T>
@@ -299,6 +279,8 @@ double XNumberVolume<T>::FindAbsoluteDifference(const XNumberVolume & aVolume) c
     XAssert(p1);
     XAssert(p2);
     double sum = 0.0;
+    if (this->GetBounds().IsEmpty())
+        return sum;
     const UInt64 rows = UInt64(this->GetHeight()) * this->GetDepth();
     const UInt32 width = this->GetWidth();
     for (UInt64 r = 0; r < rows; ++r, p1 += this->GetRowVoxels(), p2 += aVolume.GetRowVoxels())

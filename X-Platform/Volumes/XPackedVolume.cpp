@@ -76,6 +76,15 @@ void XPackedVolume<T>::Allocate()
     Storage().Resize(bytes + kTailBytes);
 }
 
+template <typename T>
+void XPackedVolume<T>::Reshape(const X3DRect & aBounds)
+{
+    XAssertText(!IsLocked(), "!IsLocked()");
+    SetBounds(aBounds);
+    Storage() = XMemoryHandle();
+    Allocate();
+}
+
 // ---------------------------------------------------------------------------------------------
 // Fills
 
@@ -103,11 +112,9 @@ void XPackedVolume<T>::FillWithRegion(const T & aValue, const X3DRegion & aRegio
     // With an other value the whole volume is visited; without, only the part in the region's box.
     X3DRect box = bounds;
     if (anOtherValue == nullptr)
-    {
         box.Sect(regionBounds);
-        if (box.IsEmpty())
-            return;
-    }
+    if (box.IsEmpty())
+        return;
     T * const base = GetBaseVoxelPtr();
     const SInt32 left = bounds.GetLeft();
     for (SInt32 z = box.GetFront(); z < box.GetBack(); ++z)
@@ -162,6 +169,8 @@ void XPackedVolume<T>::ColourKeyFill(const T & aNewValue, const T & aKey, const 
     XLock regionLock(*aRegion, kLockRead);
     X3DRect box = GetBounds();
     box.Sect(aRegion->GetBounds());
+    if (box.IsEmpty())
+        return;
     // The walk goes over the coordinates of the box while the voxel pointer starts at the
     // volume's first voxel, rows stepped by the width: the two meet only when the box starts at
     // the volume's corner. Kept as it is.
@@ -330,11 +339,13 @@ bool XPackedVolume<T>::operator==(const XVolume & aVolume) const
     {
         std::unique_ptr<XVolume> converted(CloneWithoutCopy(aVolume.GetBounds()));
         aVolume.CopyOut(*converted, aVolume.GetBounds(), aVolume.GetBounds(), nullptr);
-        return *this == *converted;
+        return operator==(*converted);
     }
     const XPackedVolume & other = static_cast<const XPackedVolume &>(aVolume);
     XLock lock(*this, kLockRead);
     XLock otherLock(other, kLockRead);
+    if (GetBounds().IsEmpty())
+        return true;
     auto equal = [](const T * a, const T * b, UInt64 aCount) {
         if constexpr (XVoxelTraits<T>::kBytewiseEqual)
             return std::memcmp(a, b, aCount * sizeof(T)) == 0;

@@ -1,6 +1,8 @@
 #include "XVolume.h"
 
+#include <algorithm>
 #include <memory>
+#include <string>
 
 #include "XAssert.h"
 #include "XClassRegistry.h"
@@ -249,6 +251,7 @@ void XVolume::ReadLossyFrame(XStream & aStream)
     SetXCalibration(aStream.ReadFloat64S());
     SetYCalibration(aStream.ReadFloat64S());
     SetZCalibration(aStream.ReadFloat64S());
+    CheckStreamBounds(width, height, depth);
 }
 
 void XVolume::WriteLossyFrame(XStream & aStream) const
@@ -302,6 +305,23 @@ void XVolume::ReadStreamSelf(XStream & aStream, const XVersion & aVersion, XOpti
     itsXCalibration = aStream.ReadFloat64S();
     itsYCalibration = aStream.ReadFloat64S();
     itsZCalibration = aStream.ReadFloat64S();
+    CheckStreamBounds(width, height, depth);
+}
+
+void XVolume::CheckStreamBounds(UInt64 aWidth, UInt64 aHeight, UInt64 aDepth) const
+{
+    // Even an empty volume is walked row by row and plane by plane: extents that no stored volume
+    // can have (or that do not fit the coordinates) mark a damaged stream.
+    const UInt64 span = std::max<UInt64>(aWidth, 1) * std::max<UInt64>(aHeight, 1) * std::max<UInt64>(aDepth, 1);
+    if (aWidth > kMaxExtent || aHeight > kMaxExtent || aDepth > kMaxExtent || span > kMaxStreamVoxels ||
+        GetWidth() != aWidth || GetHeight() != aHeight || GetDepth() != aDepth ||
+        itsBounds.GetRight() < itsBounds.GetLeft() || itsBounds.GetBottom() < itsBounds.GetTop() ||
+        itsBounds.GetBack() < itsBounds.GetFront())
+        throw XException(kErrDamagedStream, "volume of " + std::to_string(aWidth) + " x " + std::to_string(aHeight) +
+                                                " x " + std::to_string(aDepth) + " voxels at (" +
+                                                std::to_string(itsBounds.GetLeft()) + ", " +
+                                                std::to_string(itsBounds.GetTop()) + ", " +
+                                                std::to_string(itsBounds.GetFront()) + ")");
 }
 
 void XVolume::WriteStreamSelf(XStream & aStream, XOptions) const
@@ -333,4 +353,5 @@ void XVolume::ReadImageStream(XStream & aStream)
     else
         rect = XRect(aStream);
     itsBounds = X3DRect(rect, 0, 1);
+    CheckStreamBounds(rect.GetWidth(), rect.GetHeight(), 1);
 }

@@ -170,6 +170,12 @@ protected:
     static bool IsReadingLegacyImage(const XStream & aStream);
     // True when the object being read from aStream is in a JPEG-compressed form.
     static bool IsReadingLossyForm(const XStream & aStream);
+    // Refuses extents read from a stream that no stored volume can have: an extent beyond the
+    // coordinates, more than 2^40 voxels even counting a zero extent as 1, or a box that
+    // wrapped round.
+    void CheckStreamBounds(UInt64 aWidth, UInt64 aHeight, UInt64 aDepth) const;
+    static constexpr UInt64 kMaxExtent = 0x7FFFFFFF;
+    static constexpr UInt64 kMaxStreamVoxels = UInt64(1) << 40;
     // The frame of a JPEG-compressed form: extents, position and calibrations.
     void ReadLossyFrame(XStream & aStream);
     void WriteLossyFrame(XStream & aStream) const;

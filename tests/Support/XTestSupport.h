@@ -1,6 +1,7 @@
 #pragma once
-// Small helpers shared by the test programs: the error number an action raises, a counter that
-// threads raise and wait on with a bound, and a scoped environment variable.
+// Small helpers shared by the test programs: the error number an action raises, the text of the
+// internal error it reports, a counter that threads raise and wait on with a bound, and a
+// scoped environment variable.
 
 #include <chrono>
 #include <condition_variable>

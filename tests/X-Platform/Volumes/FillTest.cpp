@@ -122,3 +122,10 @@ TEST(BrightestZPoint, FirstOfEqualsAndTheRulePerType)
     XGrey8Volume flat(X3DRect(0, 0, 3, 1, 1, 3));
     EXPECT_EQ(flat.GetBrightestZPoint(0, 0), 3);
 }
+
+TEST(MaskThreshold, AboveTheLevelBecomes255)
+{
+    auto mask = XMakeVolume<XMaskVolume>(X3DRect(4, 1, 1), {127, 128, 0, 255});
+    mask.Threshold(127);
+    EXPECT_EQ(XGetVoxels(mask), (std::vector<UInt8>{0, 255, 0, 255}));
+}

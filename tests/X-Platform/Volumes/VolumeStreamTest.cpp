@@ -278,8 +278,13 @@ TEST(VolumeStream, DamagedStreamsRaiseExceptions)
     EXPECT_EQ(ErrorReading(patched(14, 34)), 1005u);
     EXPECT_EQ(ErrorReading(patched(15, 131174)), 1015u);
     EXPECT_EQ(ErrorReading(patched(1, 65536 + 520)), 1015u);
-    // An absurd extent, and rows shorter than the width.
+    // An absurd extent, an empty volume of absurd rows, a box that wraps round, and rows shorter
+    // than the width.
     EXPECT_EQ(ErrorReading(patched(2, 0x7FFFFFFF)), UInt32(kErrDamagedStream));
+    std::vector<UInt8> manyRows = patched(2, 0);
+    std::memcpy(manyRows.data() + 12, "\xff\xff\xff\x7f\xff\xff\xff\x7f", 8);
+    EXPECT_EQ(ErrorReading(manyRows), UInt32(kErrDamagedStream));
+    EXPECT_EQ(ErrorReading(patched(5, 0x7FFFFFFF)), UInt32(kErrDamagedStream));
     EXPECT_EQ(ErrorReading(patched(16, 1)), UInt32(kErrDamagedStream));
     // A handle that claims more bytes than the stream holds.
     EXPECT_NE(ErrorReading(patched(20, 1000000)), 0u);
@@ -287,4 +292,25 @@ TEST(VolumeStream, DamagedStreamsRaiseExceptions)
     XBytes wrongObject;
     Head(wrongObject, 65641).Words({34, 34, 0, 0, 1, 1, 103, 65640, 65641});
     EXPECT_EQ(ErrorReading(wrongObject.Get()), 1005u);
+}
+
+TEST(VolumeStream, RowsWithPadVoxelsAreWalkedAsTheirOperationsSay)
+{
+    // A 2 by 2 grey volume whose rows hold 3 voxels: voxels 1 2 [9] / 3 4 [9].
+    XBytes bytes;
+    bytes.Words({65641, 520, 2, 2, 1, 0, 0, 0}).Doubles({1.0, 1.0, 1.0}).Words({114, 65638, 3, 0});
+    bytes.Handle({1, 2, 9, 3, 4, 9}).Words({103, 65640, 65641});
+    auto volume = ReadBack<XGrey8Volume>(bytes.Get());
+    EXPECT_EQ(volume->GetRowVoxels(), 3u);
+    EXPECT_EQ(volume->GetPadVoxels(), 1u);
+    EXPECT_EQ(volume->GetVolumeVoxels(), 6u);
+    EXPECT_EQ(XGetVoxels(*volume), (std::vector<UInt8>{1, 2, 3, 4}));
+    // Statistics skip the pads.
+    EXPECT_EQ(volume->FindMax(), 4);
+    EXPECT_EQ(volume->FindSum(), 10.0);
+    // The whole-volume operators and the plain fill run over the pads too.
+    *volume += 1;
+    XLock lock(*volume, kLockRead);
+    const UInt8 * base = volume->GetBaseVoxelPtr();
+    EXPECT_EQ(std::vector<UInt8>(base, base + 6), (std::vector<UInt8>{2, 3, 10, 4, 5, 10}));
 }

@@ -1,11 +1,11 @@
-#include "XRotate90CCWVolumeTool.h"
+#include "XQuarterTurnVolumeTool.h"
 
 #include "X3DRect.h"
 #include "XAssert.h"
 #include "XBasePackedVolume.h"
 #include "XPlaneRotation.h"
 
-XVolume * XRotate90CCWVolumeTool::MakeDestVolume(const XVolume & aSource)
+XVolume * XQuarterTurnVolumeTool::MakeDestVolume(const XVolume & aSource)
 {
     X3DRect rect;
     rect.SetWidth(aSource.GetHeight());
@@ -15,11 +15,11 @@ XVolume * XRotate90CCWVolumeTool::MakeDestVolume(const XVolume & aSource)
     return aSource.CloneWithoutCopy(rect);
 }
 
-void XRotate90CCWVolumeTool::Rotate(const XBasePackedVolume & aSource, XBasePackedVolume & aDest)
+void XQuarterTurnVolumeTool::Rotate(const XBasePackedVolume & aSource, XBasePackedVolume & aDest)
 {
     XAssertText(aSource.GetBounds().GetWidth() == aDest.GetBounds().GetHeight(),
                 "inSrc.GetBounds().GetWidth() == inDest.GetBounds().GetHeight()");
     XAssertText(aSource.GetBounds().GetHeight() == aDest.GetBounds().GetWidth(),
                 "inSrc.GetBounds().GetHeight() == inDest.GetBounds().GetWidth()");
-    XTurnPlanesQuarter(aSource, aDest, false);
+    XTurnPlanesQuarter(aSource, aDest, itsClockwise);
 }

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Volumes against numpy and the memory limits, in one run, on the peers' inputs B and B8.
+# Our benchmarks beside numpy and the memory limits, in one run, on the peers' inputs (B, B8).
 #
-# Usage: bench/run_volume_bench.sh [DATA_DIR]
+# Usage: bench/run_peer_bench.sh [DATA_DIR]
 #   DATA_DIR   folder with B.raw and B8.raw; made with the peers' gen_data.py when missing
+#              (default: build/bench-data)
 # Environment:
 #   BENCH_PEERS   the peers' folder (default: ../shared/bench-peers beside the project)
 # Installs Debian's python3-numpy when Debian's python3 lacks it, builds the project, and prints
-# one CSV table of our rows and numpy's.
+# one CSV table: the volume and region rows of ours, then numpy's for the same workloads.
 set -euo pipefail
 top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 peers="${BENCH_PEERS:-$top/../shared/bench-peers}"
@@ -27,5 +28,8 @@ fi
 
 "$top/scripts/build.sh" >/dev/null
 echo "workload,tool,threads,median_ms,min_ms,max_ms,result"
-BRINDLE_BENCH_DATA="$data" "$top/build/bench/bench_volumes" | tail -n +2
+for program in bench_volumes bench_regions; do
+    BRINDLE_BENCH_DATA="$data" "$top/build/bench/$program" | tail -n +2
+done
 "$python" "$top/bench/volume_peers.py" "$data"
+"$python" "$top/bench/region_peers.py" "$data"
