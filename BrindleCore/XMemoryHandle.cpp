@@ -171,12 +171,16 @@ XMemoryHandle::XBlock * XMemoryHandle::ShareBlock() const
 
 XMemoryHandle::XMemoryHandle() = default;
 
-XMemoryHandle::XMemoryHandle(UInt64 aSize)
+XMemoryHandle::XMemoryHandle(UInt64 aSize) : XMemoryHandle(aSize, kZeroed)
+{
+}
+
+XMemoryHandle::XMemoryHandle(UInt64 aSize, XContents aContents)
 {
     if (aSize > XMemoryManager::kMaxBlockSize)
         throw XException(kErrOutOfMemory, "a memory handle of " + std::to_string(aSize) + " bytes");
     if (aSize > 0)
-        ReplaceBlock(NewHeapBlock(aSize, true), aSize);
+        ReplaceBlock(NewHeapBlock(aSize, aContents == kZeroed), aSize);
 }
 
 XMemoryHandle::XMemoryHandle(XStream & aStream, bool aSkipData) : XMemoryHandle()

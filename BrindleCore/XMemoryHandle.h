@@ -74,9 +74,18 @@ public:
     // The bytes of the header that WriteStream2 writes in front of the data.
     static constexpr UInt64 kStreamHeaderSize = 24;
 
+    // What a new block holds: zeros, or whatever the memory held before (for a writer that is
+    // about to overwrite every byte).
+    enum XContents : UInt32
+    {
+        kZeroed = 0,
+        kUndefined = 1
+    };
+
     XMemoryHandle();
     // A zero-filled block of aSize bytes.
     explicit XMemoryHandle(UInt64 aSize);
+    XMemoryHandle(UInt64 aSize, XContents aContents);
     // Reads the stream form (after the object's class word); with aSkipData the data is stepped
     // over and the handle keeps its size without a block.
     explicit XMemoryHandle(XStream & aStream, bool aSkipData = false);

@@ -418,8 +418,9 @@ void MarkRow(UInt8 * anOut, SInt32 aLeft, SInt32 aRight, const XRegionRow & aRow
 template <typename RowRule>
 void X3DRegion::CombineInto(const X3DRegion & anOther, const X3DRect & aBox, RowRule aRule)
 {
-    // A new mask comes cleared.
-    std::unique_ptr<XMaskVolume> mask(new XMaskVolume(aBox));
+    // Every byte of the new mask is written by the rule.
+    std::unique_ptr<XMaskVolume> mask(new XMaskVolume());
+    mask->Reshape(aBox, false);
     XCropHelper scan;
     {
         XLock lock(*this, kLockRead);
@@ -463,8 +464,20 @@ X3DRegion & X3DRegion::Union(const X3DRegion & aRegion)
     }
     // Both painted into a cleared mask.
     CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
-        MarkRow(anOut, left, box.GetRight(), RowOf(*this, aY, aZ), 255);
-        MarkRow(anOut, left, box.GetRight(), RowOf(aRegion, aY, aZ), 255);
+        const XRegionRow own = RowOf(*this, aY, aZ), other = RowOf(aRegion, aY, aZ);
+        const UInt32 count = box.GetWidth();
+        if (own.bytes != nullptr && other.bytes != nullptr && own.x0 == left && other.x0 == left &&
+            own.x1 == box.GetRight() && other.x1 == box.GetRight())
+        {
+            // Two masks over the whole row: one pass.
+            UInt8 * __restrict out = anOut;
+            for (UInt32 i = 0; i < count; ++i)
+                out[i] = UInt8(0 - ((own.bytes[i] | other.bytes[i]) >> 7));
+            return;
+        }
+        std::memset(anOut, 0, count);
+        MarkRow(anOut, left, box.GetRight(), own, 255);
+        MarkRow(anOut, left, box.GetRight(), other, 255);
     });
     return *this;
 }

@@ -200,7 +200,7 @@ private:
     std::unique_ptr<XMaskVolume> MakeMask() const;
     // The rest of the crop, from a scan of the mask already made.
     void ApplyCrop(const XCropHelper & aScan);
-    // Replaces the mask by a new one over aBox, written row by row by aRule(out, y, z) with this
+    // Replaces the mask by a new one over aBox, every byte written row by row by aRule(out, y, z), with this
     // region and anOther locked for reading, and crops it with a scan made as the rows are
     // written: the result and form of painting or masking into a mask and then cropping.
     template <typename RowRule>

@@ -54,8 +54,9 @@ public:
     virtual void SetStorage(const XMemoryHandle & aHandle);
     // How the voxels turn over when a stream's byte order is not the platform's.
     virtual XByteSwapMode GetStorageByteSwapMode() const = 0;
-    // New bounds with new voxels, all zero; the old voxels are dropped. Not while locked.
-    virtual void Reshape(const X3DRect & aBounds) = 0;
+    // New bounds with new voxels, all zero (or, for a caller that writes every voxel next, as
+    // the memory held them: aZeroed false); the old voxels are dropped. Not while locked.
+    virtual void Reshape(const X3DRect & aBounds, bool aZeroed = true) = 0;
 
     // Layer i counted from 0, and the plane at coordinate z.
     UInt8 * GetLayerPtr(SInt32 anIndex) { return Base() + GetPlaneBytes() * UInt64(SInt64(anIndex)); }

@@ -77,12 +77,22 @@ void XPackedVolume<T>::Allocate()
 }
 
 template <typename T>
-void XPackedVolume<T>::Reshape(const X3DRect & aBounds)
+void XPackedVolume<T>::Reshape(const X3DRect & aBounds, bool aZeroed)
 {
     XAssertText(!IsLocked(), "!IsLocked()");
     SetBounds(aBounds);
     Storage() = XMemoryHandle();
-    Allocate();
+    if (aZeroed)
+    {
+        Allocate();
+        return;
+    }
+    itsRowVoxels = GetWidth();
+    const UInt64 bytes = CheckedProduct(GetWidth(), GetHeight(), GetDepth(), sizeof(T));
+    Storage() = XMemoryHandle(bytes + kTailBytes, XMemoryHandle::kUndefined);
+    // The bytes behind the voxels are written to streams: they stay zero.
+    XLock lock(Storage(), kLockReadWrite);
+    std::memset(Base() + bytes, 0, kTailBytes);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -55,7 +55,7 @@ public:
     UInt64 GetVolumeVoxels() const final { return GetPlaneVoxels() * GetDepth(); }
     UInt64 GetVolumeBytes() const final { return GetPlaneBytes() * GetDepth(); }
     XByteSwapMode GetStorageByteSwapMode() const override { return XVoxelTraits<T>::kSwapMode; }
-    void Reshape(const X3DRect & aBounds) override;
+    void Reshape(const X3DRect & aBounds, bool aZeroed = true) override;
 
     virtual const T & GetEmptyVoxel() const { return itsEmptyVoxel; }
     virtual void SetEmptyVoxel(const T & aVoxel) { itsEmptyVoxel = aVoxel; }
