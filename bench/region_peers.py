@@ -4,34 +4,15 @@ B > 600, and the count of a mask, as CSV rows.
 
 Usage: region_peers.py DATA_DIR   (B.raw of the peers' gen_data.py)
 """
-import os
-import statistics
 import sys
-import time
 
 import numpy as np
 
-REPEATS = int(os.environ.get("BENCH_REPEATS", "7"))
-
-
-def bench(fn):
-    out = fn()
-    times = []
-    for _ in range(REPEATS):
-        t0 = time.perf_counter()
-        out = fn()
-        times.append((time.perf_counter() - t0) * 1e3)
-    return out, times
-
-
-def row(workload, tool, times, result):
-    print(f"{workload},{tool},1,{statistics.median(times):.3f},{min(times):.3f},{max(times):.3f},{result}",
-          flush=True)
+from peer_timing import bench, load, row
 
 
 def main():
-    b = np.fromfile(os.path.join(sys.argv[1], "B.raw"), dtype=np.dtype(np.uint16).newbyteorder("<"))
-    b = b.reshape((64, 512, 512))
+    b = load(sys.argv[1], "B.raw", np.uint16)
     c = b > 1000
     d = b > 600
     out, t = bench(lambda: c & d)

@@ -27,11 +27,11 @@ XCommandLine::XCommandLine(const std::vector<std::string> & anArguments, const s
 
         const std::size_t equals = argument.find('=');
         const std::string name = argument.substr(2, equals == std::string::npos ? std::string::npos : equals - 2);
-        const auto spec = std::find_if(aSpecs.begin(), aSpecs.end(),
-                                       [&](const XOptionSpec & aSpec) { return aSpec.itsName == name; });
-        if (spec == aSpecs.end())
+        const auto option = std::find_if(aSpecs.begin(), aSpecs.end(),
+                                         [&](const XOptionSpec & aSpec) { return aSpec.itsName == name; });
+        if (option == aSpecs.end())
             throw XCommandError("unknown option '--" + name + "'", XCommandError::kUsage);
-        if (!spec->itsTakesValue)
+        if (!option->itsTakesValue)
         {
             if (equals != std::string::npos)
                 throw XCommandError("option '--" + name + "' takes no value", XCommandError::kUsage);
