@@ -1,6 +1,7 @@
-// The entry points of XVectorMathTool: the fast logarithm's exact values, the forms built on
-// other operations, the assertions, the choice of implementation by processor feature,
-// VectorTransform on every implementation, and the session-log lines of TestFunctions.
+// The entry points of XVectorMathTool: the fast logarithm's exact values, the entropy kernels'
+// weight summed in order on every implementation, the forms built on other operations, the
+// assertions, the choice of implementation by processor feature, VectorTransform on every
+// implementation, and the session-log lines of TestFunctions.
 // Expected values are worked out by hand.
 
 #include <gtest/gtest.h>
