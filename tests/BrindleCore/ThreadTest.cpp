@@ -1,150 +1,134 @@
-// Worker threads: start, end, return codes, stop requests reaching a worker's loop, exceptions
-// escaping a worker, suspension, priorities, self-deleting threads.
+// Worker threads (return codes, stop requests reaching a worker's loop or wait, exceptions
+// escaping a worker, suspension, priorities, self-deleting threads) and condition variables.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <cstdlib>
-#include <functional>
-#include <mutex>
 #include <stdexcept>
-#include <string>
 #include <thread>
 
 #include <pthread.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include "XAssert.h"
+#include "XConditionVariable.h"
+#include "XFoundationTestSupport.h"
 #include "XStopThreadException.h"
-#include "XThread.h"
-#include "XTestSupport.h"
+#include "XThreadLock.h"
 
 namespace
 {
-constexpr UInt32 kBoundMs = 10000; // long enough never to run out unless something is broken
-
-// A one-shot event with a bounded wait.
-class XEvent
-{
-public:
-    void Set()
-    {
-        std::lock_guard<std::mutex> guard(itsMutex);
-        itsSet = true;
-        itsChanged.notify_all();
-    }
-    bool Wait(UInt32 aTimeOutMs = kBoundMs)
-    {
-        std::unique_lock<std::mutex> guard(itsMutex);
-        return itsChanged.wait_for(guard, std::chrono::milliseconds(aTimeOutMs),
-                                   [this] { return itsSet; });
-    }
-
-private:
-    std::mutex itsMutex;
-    std::condition_variable itsChanged;
-    bool itsSet = false;
-};
-
-// A worker whose body is a function, counting the calls of the protected hooks.
-class XProbeThread : public XThread
-{
-public:
-    using XBody = std::function<UInt32(XProbeThread &)>;
-
-    explicit XProbeThread(XBody aBody, const XString & aName = "probe",
-                          XThreadPriority aPriority = kThreadPriorityNormal, UInt32 aStackSize = 0)
-        : XThread(aName, aPriority, aStackSize, false), itsBody(std::move(aBody))
-    {
-    }
-
-    // The body is a member of this class: the thread must end before it goes.
-    ~XProbeThread() override
-    {
-        if (!StopThread(kBoundMs))
-        {
-            ADD_FAILURE() << "a worker did not end";
-            std::abort();
-        }
-    }
-
-    std::atomic<int> itsStoppingCalls{0};
-    std::atomic<int> itsAsyncStopCalls{0};
-    std::atomic<int> itsFinishCalls{0};
-    std::atomic<bool> itsFinishSawSelf{false};
-    XTestGate itsSuspendings;
-    XTestGate itsResumings;
-
-protected:
-    UInt32 RunSelf() override { return itsBody(*this); }
-    void Stopping() override { ++itsStoppingCalls; }
-    void AsyncStopThreadSelf() override { ++itsAsyncStopCalls; }
-    void Suspending() override { itsSuspendings.Arrive(); }
-    void Resuming() override { itsResumings.Arrive(); }
-    void FinishThreadSelf() override
-    {
-        itsFinishSawSelf = GetCurrentThread() == this;
-        ++itsFinishCalls;
-    }
-
-private:
-    XBody itsBody;
-};
-
 // A body that loops on the cancel test until a stop ends it.
-UInt32 LoopUntilStopped(XEvent & anEntered, std::atomic<UInt64> & aLoops)
+UInt32 LoopUntilStopped(XTestGate & anEntered, std::atomic<UInt64> & aLoops)
 {
-    anEntered.Set();
+    anEntered.Arrive();
     for (;;)
     {
         XThread::TestCancelCurrentThread();
         aLoops.fetch_add(1, std::memory_order_relaxed);
     }
 }
+
+// Workers without members of their own, so that they may be deleted while they run.
+class XEndlessThread : public XThread
+{
+public:
+    XEndlessThread() : XThread("endless") {}
+    static inline XTestGate sEntered;
+    static inline XTestGate sLeft;
+
+protected:
+    UInt32 RunSelf() override
+    {
+        sEntered.Arrive();
+        try
+        {
+            for (;;)
+                TestCancelCurrentThread();
+        }
+        catch (...)
+        {
+            sLeft.Arrive();
+            throw;
+        }
+    }
+};
+
+class XSelfDeletingThread : public XThread
+{
+public:
+    XSelfDeletingThread() : XThread("self-deleting", kThreadPriorityNormal, 0, true) {}
+    ~XSelfDeletingThread() override
+    {
+        sSawSelf = GetCurrentThread() == this;
+        sDeleted.Arrive();
+    }
+    static inline std::atomic<bool> sSawSelf{false};
+    static inline XTestGate sDeleted;
+
+protected:
+    UInt32 RunSelf() override { return 0; }
+};
+
+// State shared by the waiters of a test, all guarded by itsMutex.
+struct XWaitRoom
+{
+    XMutex itsMutex;
+    XConditionVariable itsCondition; // what the waiters wait on
+    XConditionVariable itsNews;      // what the test waits on
+    int itsWaiting = 0;
+    std::vector<int> itsWoken;
+    std::vector<XWaitResult> itsResults;
+
+    // With itsMutex held: waits for aPredicate, bounded. False if the bound ran out.
+    bool AwaitNews(const std::function<bool()> & aPredicate)
+    {
+        while (!aPredicate())
+            if (itsNews.SleepForInputOrSignal(itsMutex, kBoundMs, false, false) == kWaitTimedOut)
+                return aPredicate();
+        return true;
+    }
+    // With itsMutex held: tells the test that the worker is about to wait.
+    void Announce()
+    {
+        itsWaiting = 1;
+        itsNews.Signal(kSignalAll);
+    }
+};
 } // namespace
 
 TEST(ThreadTest, RunsNamedAndReportsItsReturnCode)
 {
-    XEvent go;
+    XTestGate go;
     std::atomic<bool> sawSelf{false};
     std::atomic<bool> notMain{false};
     std::atomic<XThreadID> innerID{0};
     std::string innerName;
-    XProbeThread thread(
-        [&](XProbeThread & aSelf) -> UInt32 {
+    XTestThread thread(
+        [&](XTestThread & aSelf) -> UInt32 {
             sawSelf = XThread::GetCurrentThread() == &aSelf;
             notMain = !XThread::IsMainThread();
             innerID = XThread::GetCurrentThreadID();
             char name[32] = {};
             ::pthread_getname_np(::pthread_self(), name, sizeof(name));
             innerName = name;
-            if (!go.Wait())
-                return 1;
-            return 42;
+            return go.WaitFor(1) ? 42 : 1;
         },
         "probe-worker-with-a-long-name");
 
     EXPECT_TRUE(thread.WaitForTerminate(0)); // not started: nothing to wait for
-    EXPECT_FALSE(thread.IsThreadStarted());
     thread.StartThread();
-    EXPECT_TRUE(thread.IsThreadStarted());
     EXPECT_TRUE(thread.IsThreadRunning());
     EXPECT_FALSE(thread.WaitForTerminate(0));
     EXPECT_EQ(thread.GetThreadOutcome(), kThreadNotEnded);
-    EXPECT_EQ(thread.GetThreadReturnCode(), 0u);
     EXPECT_THROW(thread.StartThread(), XInternalError);
 
-    go.Set();
+    go.Arrive();
     ASSERT_TRUE(thread.WaitForTerminate(kBoundMs));
     EXPECT_FALSE(thread.IsThreadRunning());
     EXPECT_EQ(thread.GetThreadOutcome(), kThreadReturned);
     EXPECT_EQ(thread.GetThreadReturnCode(), 42u);
     EXPECT_TRUE(thread.GetThreadErrorMessage().IsEmpty());
-    EXPECT_FALSE(thread.IsStopRequested());
     EXPECT_EQ(thread.itsStoppingCalls, 0);
     EXPECT_EQ(thread.itsFinishCalls, 1);
     EXPECT_TRUE(thread.itsFinishSawSelf);
@@ -158,75 +142,60 @@ TEST(ThreadTest, RunsNamedAndReportsItsReturnCode)
 
 TEST(ThreadTest, StopReachesAWorkersLoop)
 {
-    XEvent entered;
-    std::atomic<UInt64> loops{0};
-    std::atomic<bool> stopSeen{false};
-    XProbeThread thread([&](XProbeThread &) -> UInt32 {
-        try
-        {
-            return LoopUntilStopped(entered, loops);
-        }
-        catch (const XStopThreadException & aStop)
-        {
-            stopSeen = aStop.GetErrorNumber() == kErrThreadStopped;
-            throw;
-        }
-    });
-    thread.StartThread();
-    ASSERT_TRUE(entered.Wait());
+    // The stop passes out of the body, or the body catches it and returns.
+    for (const bool catchTheStop : {false, true})
+    {
+        XTestGate entered;
+        std::atomic<UInt64> loops{0};
+        std::atomic<bool> stopSeen{false};
+        XTestThread thread([&](XTestThread &) -> UInt32 {
+            try
+            {
+                return LoopUntilStopped(entered, loops);
+            }
+            catch (const XStopThreadException & aStop)
+            {
+                stopSeen = aStop.GetErrorNumber() == kErrThreadStopped;
+                if (!catchTheStop)
+                    throw;
+                return 3;
+            }
+        });
+        thread.StartThread();
+        ASSERT_TRUE(entered.WaitFor(1));
 
-    EXPECT_TRUE(thread.StopThread(kBoundMs));
-    EXPECT_TRUE(stopSeen);
-    EXPECT_TRUE(thread.IsStopRequested());
-    EXPECT_EQ(thread.GetThreadOutcome(), kThreadStopped);
-    EXPECT_EQ(thread.GetThreadReturnCode(), static_cast<UInt32>(kErrThreadStopped));
-    EXPECT_NE(std::string(thread.GetThreadErrorMessage().c_str()).find("probe"), std::string::npos);
-    EXPECT_EQ(thread.itsStoppingCalls, 1);
-    EXPECT_EQ(thread.itsAsyncStopCalls, 1);
-    EXPECT_EQ(thread.itsFinishCalls, 1);
-
-    // A second request: Stopping is told once, the asynchronous hook every time.
-    EXPECT_TRUE(thread.StopThread(0));
-    EXPECT_EQ(thread.itsStoppingCalls, 1);
-    EXPECT_EQ(thread.itsAsyncStopCalls, 2);
-}
-
-TEST(ThreadTest, AWorkerThatCatchesTheStopReturnsNormally)
-{
-    XEvent entered;
-    std::atomic<UInt64> loops{0};
-    XProbeThread thread([&](XProbeThread &) -> UInt32 {
-        try
+        EXPECT_TRUE(thread.StopThread(kBoundMs));
+        EXPECT_TRUE(stopSeen);
+        EXPECT_TRUE(thread.IsStopRequested());
+        EXPECT_EQ(thread.GetThreadOutcome(), catchTheStop ? kThreadReturned : kThreadStopped);
+        EXPECT_EQ(thread.GetThreadReturnCode(), catchTheStop ? 3u : UInt32(kErrThreadStopped));
+        if (!catchTheStop)
         {
-            LoopUntilStopped(entered, loops);
+            EXPECT_NE(thread.GetThreadErrorMessage().GetStdString().find("probe"), std::string::npos);
         }
-        catch (const XStopThreadException &)
-        {
-            return 3;
-        }
-        return 4;
-    });
-    thread.StartThread();
-    ASSERT_TRUE(entered.Wait());
-    EXPECT_TRUE(thread.StopThread(kBoundMs));
-    EXPECT_EQ(thread.GetThreadOutcome(), kThreadReturned);
-    EXPECT_EQ(thread.GetThreadReturnCode(), 3u);
+        EXPECT_EQ(thread.itsAsyncStopCalls, 1);
+        EXPECT_EQ(thread.itsFinishCalls, 1);
+        // A second request: Stopping is told once, the asynchronous hook every time.
+        EXPECT_TRUE(thread.StopThread(0));
+        EXPECT_EQ(thread.itsStoppingCalls, 1);
+        EXPECT_EQ(thread.itsAsyncStopCalls, 2);
+    }
 }
 
 TEST(ThreadTest, ExceptionsEscapingAWorkerAreRecorded)
 {
     struct XCase
     {
-        std::function<UInt32(XProbeThread &)> itsBody;
+        XTestThread::XBody itsBody;
         UInt32 itsCode;
         const char * itsText;
     };
     const XCase cases[] = {
-        {[](XProbeThread &) -> UInt32 { throw XException(kErrBadArgument, "bad value 17"); },
+        {[](XTestThread &) -> UInt32 { throw XException(kErrBadArgument, "bad value 17"); },
          kErrBadArgument, "bad value 17"},
-        {[](XProbeThread &) -> UInt32 { throw std::runtime_error("boom"); }, kErrGeneric, "boom"},
-        {[](XProbeThread &) -> UInt32 { throw 5; }, kErrGeneric, "unknown exception"},
-        {[](XProbeThread &) -> UInt32 {
+        {[](XTestThread &) -> UInt32 { throw std::runtime_error("boom"); }, kErrGeneric, "boom"},
+        {[](XTestThread &) -> UInt32 { throw 5; }, kErrGeneric, "unknown exception"},
+        {[](XTestThread &) -> UInt32 {
              XAssertText(false, "a deliberately broken precondition");
              return 0;
          },
@@ -234,13 +203,12 @@ TEST(ThreadTest, ExceptionsEscapingAWorkerAreRecorded)
     };
     for (const XCase & item : cases)
     {
-        XProbeThread thread(item.itsBody);
+        XTestThread thread(item.itsBody);
         thread.StartThread();
         ASSERT_TRUE(thread.WaitForTerminate(kBoundMs));
         EXPECT_EQ(thread.GetThreadOutcome(), kThreadFailed);
         EXPECT_EQ(thread.GetThreadReturnCode(), item.itsCode);
-        EXPECT_NE(std::string(thread.GetThreadErrorMessage().c_str()).find(item.itsText),
-                  std::string::npos)
+        EXPECT_NE(thread.GetThreadErrorMessage().GetStdString().find(item.itsText), std::string::npos)
             << thread.GetThreadErrorMessage().c_str();
         EXPECT_EQ(thread.itsFinishCalls, 1); // the end hook runs after a failure too
     }
@@ -256,110 +224,43 @@ TEST(ThreadTest, CallsOffXThreadsAreHarmless)
     EXPECT_GE(XThread::GetProcessorCount(), 1u);
 
     bool current = true;
-    bool threw = true;
     bool isMain = true;
-    std::thread plain([&] {
+    UInt32 cancelError = 1;
+    std::thread([&] {
         current = XThread::GetCurrentThread() != nullptr;
         isMain = XThread::IsMainThread();
-        try
-        {
-            XThread::TestCancelCurrentThread();
-            threw = false;
-        }
-        catch (...)
-        {
-        }
-    });
-    plain.join();
+        cancelError = ErrorOf([] { XThread::TestCancelCurrentThread(); });
+    }).join();
     EXPECT_FALSE(current);
-    EXPECT_FALSE(threw);
     EXPECT_FALSE(isMain);
+    EXPECT_EQ(cancelError, 0u);
 
     // A stop asked of a thread that never started: nothing to wait for.
-    XProbeThread idle([](XProbeThread &) -> UInt32 { return 0; });
+    XTestThread idle([](XTestThread &) -> UInt32 { return 0; });
     EXPECT_TRUE(idle.StopThread(0));
-    EXPECT_TRUE(idle.IsStopRequested());
     EXPECT_EQ(idle.itsStoppingCalls, 1);
 }
 
-namespace
+TEST(ThreadTest, DeletingARunningThreadJoinsItAndAutoDeleteThreadsGoOnTheirOwn)
 {
-// A worker without members of its own, so that it may be deleted while it runs.
-class XEndlessThread : public XThread
-{
-public:
-    XEndlessThread() : XThread("endless") {}
-    static XEvent sEntered;
-    static std::atomic<bool> sLeft;
+    auto * endless = new XEndlessThread;
+    endless->StartThread();
+    ASSERT_TRUE(XEndlessThread::sEntered.WaitFor(1));
+    delete endless; // asks for the stop and joins: the loop has been left when it returns
+    EXPECT_EQ(XEndlessThread::sLeft.GetCount(), 1);
 
-protected:
-    UInt32 RunSelf() override
-    {
-        sEntered.Set();
-        try
-        {
-            for (;;)
-                TestCancelCurrentThread();
-        }
-        catch (...)
-        {
-            sLeft = true;
-            throw;
-        }
-    }
-};
-XEvent XEndlessThread::sEntered;
-std::atomic<bool> XEndlessThread::sLeft{false};
-
-// Deletes itself when it ends; its destructor tells.
-class XSelfDeletingThread : public XThread
-{
-public:
-    explicit XSelfDeletingThread(XEvent & aDeleted)
-        : XThread("self-deleting", kThreadPriorityNormal, 0, true), itsDeleted(aDeleted)
-    {
-    }
-    ~XSelfDeletingThread() override
-    {
-        itsSawSelf = GetCurrentThread() == this;
-        itsDeleted.Set();
-    }
-    static std::atomic<bool> itsSawSelf;
-
-protected:
-    UInt32 RunSelf() override { return 0; }
-
-private:
-    XEvent & itsDeleted;
-};
-std::atomic<bool> XSelfDeletingThread::itsSawSelf{false};
-} // namespace
-
-TEST(ThreadTest, DestructorStopsAndJoinsARunningThread)
-{
-    auto * thread = new XEndlessThread;
-    thread->StartThread();
-    ASSERT_TRUE(XEndlessThread::sEntered.Wait());
-    delete thread; // asks for the stop and joins: the loop has been left when it returns
-    EXPECT_TRUE(XEndlessThread::sLeft);
-}
-
-TEST(ThreadTest, AutoDeleteThreadDeletesItselfOnItsOwnThread)
-{
-    XEvent deleted;
-    auto * thread = new XSelfDeletingThread(deleted);
-    thread->StartThread(); // not to be touched any more
-    EXPECT_TRUE(deleted.Wait());
-    EXPECT_TRUE(XSelfDeletingThread::itsSawSelf);
+    (new XSelfDeletingThread)->StartThread(); // not to be touched any more
+    EXPECT_TRUE(XSelfDeletingThread::sDeleted.WaitFor(1));
+    EXPECT_TRUE(XSelfDeletingThread::sSawSelf); // deleted on its own thread
 }
 
 TEST(ThreadTest, SuspendParksAtTheCancelTestAndResumeGoesOn)
 {
-    XEvent entered;
+    XTestGate entered;
     std::atomic<UInt64> loops{0};
-    XProbeThread thread([&](XProbeThread &) -> UInt32 { return LoopUntilStopped(entered, loops); });
+    XTestThread thread([&](XTestThread &) -> UInt32 { return LoopUntilStopped(entered, loops); });
     thread.StartThread();
-    ASSERT_TRUE(entered.Wait());
+    ASSERT_TRUE(entered.WaitFor(1));
 
     thread.SuspendThread();
     thread.SuspendThread();
@@ -389,8 +290,8 @@ TEST(ThreadTest, PriorityAndStackSizeApplyToTheWorker)
     const int inherited = ::getpriority(PRIO_PROCESS, 0);
     std::atomic<int> niceValue{-100};
     std::atomic<UInt64> stackSize{0};
-    XProbeThread thread(
-        [&](XProbeThread &) -> UInt32 {
+    XTestThread thread(
+        [&](XTestThread &) -> UInt32 {
             niceValue = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()));
             pthread_attr_t attributes;
             if (::pthread_getattr_np(::pthread_self(), &attributes) == 0)
@@ -405,7 +306,6 @@ TEST(ThreadTest, PriorityAndStackSizeApplyToTheWorker)
         "low", kThreadPriorityBelowNormal, 1024 * 1024);
     thread.StartThread();
     ASSERT_TRUE(thread.WaitForTerminate(kBoundMs));
-    EXPECT_EQ(thread.GetThreadOutcome(), kThreadReturned);
     // Below normal is nice 5, unless the process already runs nicer than that.
     EXPECT_EQ(niceValue.load(), std::max(inherited, 5));
     EXPECT_GE(stackSize.load(), 1024u * 1024u);
@@ -413,13 +313,137 @@ TEST(ThreadTest, PriorityAndStackSizeApplyToTheWorker)
     EXPECT_EQ(::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid())), inherited);
 }
 
-TEST(ThreadTest, StopExceptionIsSilent)
+TEST(ConditionVariableTest, SignalWakesThatManyOfTheLongestWaiting)
 {
-    XStopThreadException stop("worker");
-    const XException & asException = stop;
-    EXPECT_EQ(asException.GetErrorNumber(), static_cast<UInt32>(kErrThreadStopped));
-    EXPECT_FALSE(asException.ShouldLogError());
-    EXPECT_FALSE(asException.ShouldReportError());
-    EXPECT_NE(std::string(asException.what()).find("worker"), std::string::npos);
-    EXPECT_TRUE(XException(kErrBadArgument).ShouldLogError());
+    XWaitRoom room;
+    std::vector<std::thread> waiters;
+    for (int index = 0; index < 3; ++index)
+        waiters.emplace_back([&room] {
+            XThreadLock holder(room.itsMutex);
+            const int order = room.itsWaiting++;
+            room.itsNews.Signal(kSignalAll);
+            // The mutex is held from the count above until this wait has queued the waiter,
+            // so the queue's order is the count's order.
+            const XWaitResult result =
+                room.itsCondition.SleepForInputOrSignal(room.itsMutex, kBoundMs, true, false);
+            room.itsWoken.push_back(order);
+            room.itsResults.push_back(result);
+            room.itsNews.Signal(kSignalAll);
+        });
+    {
+        XThreadLock holder(room.itsMutex);
+        ASSERT_TRUE(room.AwaitNews([&] { return room.itsWaiting == 3; }));
+        EXPECT_EQ(room.itsCondition.GetWaiterCount(), 3u);
+        EXPECT_EQ(room.itsCondition.Signal(2), 2u);
+        ASSERT_TRUE(room.AwaitNews([&] { return room.itsWoken.size() == 2; }));
+        std::sort(room.itsWoken.begin(), room.itsWoken.end());
+        EXPECT_EQ(room.itsWoken, (std::vector<int>{0, 1}));
+        // The third still waits: it is the only one left to wake.
+        EXPECT_EQ(room.itsCondition.Signal(kSignalAll), 1u);
+        ASSERT_TRUE(room.AwaitNews([&] { return room.itsWoken.size() == 3; }));
+        EXPECT_EQ(room.itsWoken.back(), 2);
+        EXPECT_EQ(room.itsCondition.Signal(kSignalAll), 0u);
+    }
+    for (std::thread & waiter : waiters)
+        waiter.join();
+    EXPECT_EQ(room.itsResults, std::vector<XWaitResult>(3, kWaitSignalled));
+}
+
+TEST(ConditionVariableTest, TimeOutsLostSignalsAndTheHeldMutex)
+{
+    XMutex mutex;
+    XConditionVariable condition;
+    XThreadLock holder(mutex);
+    // Nobody waits: the signal is lost and the wait runs out.
+    EXPECT_EQ(condition.Signal(1), 0u);
+    EXPECT_EQ(condition.SleepForInputOrSignal(mutex, 0, true, false), kWaitTimedOut);
+    EXPECT_EQ(condition.SleepForInputOrSignal(mutex, 15, true, true), kWaitTimedOut);
+    EXPECT_EQ(mutex.GetLockDepth(), 1u); // held again after the wait
+    EXPECT_EQ(condition.GetWaiterCount(), 0u);
+
+    // The mutex must be held exactly once.
+    mutex.Lock();
+    EXPECT_THROW(condition.SleepForInputOrSignal(mutex, 0, false, false), XInternalError);
+    EXPECT_EQ(mutex.GetLockDepth(), 2u);
+    mutex.Unlock();
+    holder.Unlock();
+    EXPECT_THROW(condition.SleepForInputOrSignal(mutex, 0, false, false), XInternalError);
+}
+
+TEST(ConditionVariableTest, StopRequestEndsAnAlertableWait)
+{
+    for (const bool throwOnStop : {false, true})
+    {
+        XWaitRoom room;
+        XTestThread worker([&room, throwOnStop](XTestThread &) -> UInt32 {
+            XThreadLock holder(room.itsMutex);
+            room.Announce();
+            try
+            {
+                const XWaitResult result = room.itsCondition.SleepForInputOrSignal(
+                    room.itsMutex, kInfiniteTimeOut, true, throwOnStop);
+                return result == kWaitStopRequested ? 5 : 6;
+            }
+            catch (const XStopThreadException &)
+            {
+                // The mutex is held again when the stop is thrown.
+                room.itsWaiting = static_cast<int>(room.itsMutex.GetLockDepth()) + 10;
+                throw;
+            }
+        });
+        worker.StartThread();
+        {
+            XThreadLock holder(room.itsMutex);
+            // Once the worker has told, it waits: it let go of the mutex only in its wait.
+            ASSERT_TRUE(room.AwaitNews([&] { return room.itsWaiting == 1; }));
+        }
+        const bool ended = worker.StopThread(kBoundMs);
+        if (!ended)
+            room.itsCondition.Signal(kSignalAll); // let the test end instead of hanging
+        ASSERT_TRUE(ended);
+        EXPECT_EQ(worker.GetThreadOutcome(), throwOnStop ? kThreadStopped : kThreadReturned);
+        EXPECT_EQ(worker.GetThreadReturnCode(), throwOnStop ? UInt32(kErrThreadStopped) : 5u);
+        if (throwOnStop)
+        {
+            EXPECT_EQ(room.itsWaiting, 11);
+        }
+        EXPECT_EQ(room.itsCondition.GetWaiterCount(), 0u);
+    }
+}
+
+TEST(ConditionVariableTest, EarlyStopEndsAnAlertableWaitAtOnceAndAPlainWaitIgnoresIt)
+{
+    // The stop comes before the wait begins.
+    XWaitRoom early;
+    XTestThread first([&early](XTestThread &) -> UInt32 {
+        XThreadLock holder(early.itsMutex);
+        early.AwaitNews([&] { return early.itsWaiting == 1; }); // held back until the stop
+        return early.itsCondition.SleepForInputOrSignal(early.itsMutex, kBoundMs, true, false);
+    });
+    first.StartThread();
+    first.StopThread(0);
+    {
+        XThreadLock holder(early.itsMutex);
+        early.Announce();
+    }
+    ASSERT_TRUE(first.WaitForTerminate(kBoundMs));
+    EXPECT_EQ(first.GetThreadReturnCode(), static_cast<UInt32>(kWaitStopRequested));
+
+    // A wait that is not alertable goes on after the stop, so the signal finds it.
+    XWaitRoom plain;
+    XTestThread second([&plain](XTestThread &) -> UInt32 {
+        XThreadLock holder(plain.itsMutex);
+        plain.Announce();
+        return plain.itsCondition.SleepForInputOrSignal(plain.itsMutex, kBoundMs, false, true);
+    });
+    second.StartThread();
+    {
+        XThreadLock holder(plain.itsMutex);
+        ASSERT_TRUE(plain.AwaitNews([&] { return plain.itsWaiting == 1; }));
+    }
+    second.StopThread(0);
+    EXPECT_EQ(plain.itsCondition.Signal(1), 1u);
+    ASSERT_TRUE(second.WaitForTerminate(kBoundMs));
+    EXPECT_EQ(second.GetThreadOutcome(), kThreadReturned);
+    EXPECT_EQ(second.GetThreadReturnCode(), static_cast<UInt32>(kWaitSignalled));
 }
