@@ -20,52 +20,33 @@ std::string MakeKind(const std::string & aName)
 }
 } // namespace
 
-TEST(ResourceTrackerTest, CountsLiveObjectsByKind)
+TEST(ResourceTrackerTest, CountsLiveObjectsByKindAndStopsAtZero)
 {
     const std::string volume = MakeKind("Volume");
     const std::string region = MakeKind("Region");
     XResourceTracker & tracker = XResourceTracker::GetTracker();
-    EXPECT_EQ(&tracker, &XResourceTracker::GetTracker());
     tracker.AddResource(volume.c_str(), 1000);
     tracker.AddResource(volume, 24);
     tracker.AddResource(XString(region));
-    EXPECT_EQ(tracker.GetCount(volume), 2u);
-    EXPECT_EQ(tracker.GetBytes(volume), 1024u);
-    EXPECT_EQ(tracker.GetCount(region), 1u);
-    EXPECT_EQ(tracker.GetCount(MakeKind("NeverSeen")), 0u);
-
     tracker.RemoveResource(volume, 1000);
     EXPECT_EQ(tracker.GetCount(volume), 1u);
     EXPECT_EQ(tracker.GetBytes(volume), 24u);
+    EXPECT_EQ(tracker.GetCount(region), 1u);
+    EXPECT_EQ(tracker.GetCount(MakeKind("NeverSeen")), 0u);
     XResourceTracker::XCounter & counter = tracker.GetCounter(volume);
     EXPECT_EQ(counter.GetPeakCount(), 2u);
     EXPECT_EQ(counter.GetTotalAdded(), 2u);
-
-    std::string text = tracker.Describe().GetStdString();
-    EXPECT_NE(text.find(volume + ": 1 (24 bytes, peak 2)\n"), std::string::npos);
-    bool found = false;
-    for (const XResourceTracker::XRecord & record : tracker.GetSnapshot())
-        if (record.itsKind == XString(region))
-        {
-            found = true;
-            EXPECT_EQ(record.itsCount, 1u);
-        }
-    EXPECT_TRUE(found);
+    EXPECT_NE(tracker.Describe().GetStdString().find(volume + ": 1 (24 bytes, peak 2)\n"), std::string::npos);
     tracker.RemoveResource(volume, 24);
     tracker.RemoveResource(region);
-    text = tracker.Describe().GetStdString();
-    EXPECT_EQ(text.find(volume), std::string::npos); // kinds without live objects are left out
-    EXPECT_EQ(text.find(region), std::string::npos);
-}
+    // Kinds without live objects are left out.
+    EXPECT_EQ(tracker.Describe().GetStdString().find(volume), std::string::npos);
 
-TEST(ResourceTrackerTest, UnbalancedRemovalStopsAtZero)
-{
-    XResourceTracker::XCounter & counter = XResourceTracker::GetTracker().GetCounter(MakeKind("Unbalanced"));
+    // Removing more than there is stops at zero and is counted.
     counter.Add(10);
     counter.Remove(30);
     EXPECT_EQ(counter.GetCount(), 0u);
     EXPECT_EQ(counter.GetBytes(), 0u);
-    EXPECT_EQ(counter.GetUnbalancedRemovals(), 1u);
     counter.Remove();
     EXPECT_EQ(counter.GetCount(), 0u);
     EXPECT_EQ(counter.GetUnbalancedRemovals(), 2u);
@@ -91,7 +72,6 @@ TEST(ResourceTrackerTest, ThreadsBalanceOut)
     EXPECT_EQ(counter.GetCount(), 0u);
     EXPECT_EQ(counter.GetBytes(), 0u);
     EXPECT_EQ(counter.GetTotalAdded(), 40000u);
-    EXPECT_GE(counter.GetPeakCount(), 1u);
     EXPECT_LE(counter.GetPeakCount(), 4u);
     EXPECT_EQ(counter.GetUnbalancedRemovals(), 0u);
 }

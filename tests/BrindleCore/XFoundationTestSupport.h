@@ -1,6 +1,6 @@
 #pragma once
 // Helpers of the foundation's tests: a worker whose body is a function, a scratch folder that
-// goes with its contents, and whole files as text.
+// goes with its contents, whole files as text, and the bytes of a memory handle.
 
 #include <gtest/gtest.h>
 
@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "XFileSpec.h"
+#include "XMemoryHandle.h"
 #include "XTestSupport.h"
 #include "XThread.h"
 
@@ -123,4 +124,11 @@ inline std::string ReadText(const std::string & aPath)
 inline void WriteText(const std::string & aPath, const std::string & aText)
 {
     std::ofstream(aPath, std::ios::binary) << aText;
+}
+
+inline std::vector<UInt8> ContentsOf(const XMemoryHandle & aHandle)
+{
+    std::vector<UInt8> bytes(aHandle.GetDataSize());
+    aHandle.CopyDataTo(bytes.data(), 0, bytes.size());
+    return bytes;
 }
