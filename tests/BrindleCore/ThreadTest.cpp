@@ -1,5 +1,6 @@
 // Worker threads (return codes, stop requests reaching a worker's loop or wait, exceptions
-// escaping a worker, suspension, priorities, self-deleting threads) and condition variables.
+// escaping a worker, suspension, priorities, self-deleting threads), recursive mutexes with
+// time-outs and their scoped holder, reader-writer mutexes, and condition variables.
 
 #include <gtest/gtest.h>
 
@@ -13,11 +14,18 @@
 #include "XAssert.h"
 #include "XConditionVariable.h"
 #include "XFoundationTestSupport.h"
+#include "XRWMutex.h"
 #include "XStopThreadException.h"
 #include "XThreadLock.h"
 
 namespace
 {
+template <typename TWork>
+void OnOtherThread(TWork aWork)
+{
+    std::thread(aWork).join();
+}
+
 // A body that loops on the cancel test until a stop ends it.
 UInt32 LoopUntilStopped(XTestGate & anEntered, std::atomic<UInt64> & aLoops)
 {
@@ -101,13 +109,11 @@ TEST(ThreadTest, RunsNamedAndReportsItsReturnCode)
 {
     XTestGate go;
     std::atomic<bool> sawSelf{false};
-    std::atomic<bool> notMain{false};
     std::atomic<XThreadID> innerID{0};
     std::string innerName;
     XTestThread thread(
         [&](XTestThread & aSelf) -> UInt32 {
-            sawSelf = XThread::GetCurrentThread() == &aSelf;
-            notMain = !XThread::IsMainThread();
+            sawSelf = XThread::GetCurrentThread() == &aSelf && !XThread::IsMainThread();
             innerID = XThread::GetCurrentThreadID();
             char name[32] = {};
             ::pthread_getname_np(::pthread_self(), name, sizeof(name));
@@ -115,29 +121,40 @@ TEST(ThreadTest, RunsNamedAndReportsItsReturnCode)
             return go.WaitFor(1) ? 42 : 1;
         },
         "probe-worker-with-a-long-name");
-
     EXPECT_TRUE(thread.WaitForTerminate(0)); // not started: nothing to wait for
     thread.StartThread();
-    EXPECT_TRUE(thread.IsThreadRunning());
     EXPECT_FALSE(thread.WaitForTerminate(0));
     EXPECT_EQ(thread.GetThreadOutcome(), kThreadNotEnded);
     EXPECT_THROW(thread.StartThread(), XInternalError);
-
     go.Arrive();
     ASSERT_TRUE(thread.WaitForTerminate(kBoundMs));
-    EXPECT_FALSE(thread.IsThreadRunning());
     EXPECT_EQ(thread.GetThreadOutcome(), kThreadReturned);
     EXPECT_EQ(thread.GetThreadReturnCode(), 42u);
-    EXPECT_TRUE(thread.GetThreadErrorMessage().IsEmpty());
-    EXPECT_EQ(thread.itsStoppingCalls, 0);
     EXPECT_EQ(thread.itsFinishCalls, 1);
     EXPECT_TRUE(thread.itsFinishSawSelf);
     EXPECT_TRUE(sawSelf);
-    EXPECT_TRUE(notMain);
     EXPECT_EQ(thread.GetThreadID(), innerID.load());
     EXPECT_NE(innerID.load(), XThread::GetMainThreadID());
     EXPECT_EQ(innerName, "probe-worker-wi"); // the kernel keeps 15 bytes
     EXPECT_TRUE(thread.WaitForTerminate(0));  // asking again is harmless
+
+    // Calls off XThreads: the main thread, and a thread the library did not start.
+    EXPECT_EQ(XThread::GetCurrentThread(), nullptr);
+    EXPECT_NO_THROW(XThread::TestCancelCurrentThread());
+    EXPECT_EQ(XThread::GetMainThreadID(), static_cast<XThreadID>(::getpid()));
+    EXPECT_EQ(XThread::GetCurrentThreadID(), XThread::GetMainThreadID());
+    EXPECT_TRUE(XThread::IsMainThread()); // the test runs on the process's first thread
+    EXPECT_GE(XThread::GetProcessorCount(), 1u);
+    bool plainLooksLikeXThread = true;
+    std::thread([&] {
+        plainLooksLikeXThread = XThread::GetCurrentThread() != nullptr || XThread::IsMainThread() ||
+                                ErrorOf([] { XThread::TestCancelCurrentThread(); }) != 0;
+    }).join();
+    EXPECT_FALSE(plainLooksLikeXThread);
+    // A stop asked of a thread that never started: nothing to wait for.
+    XTestThread idle([](XTestThread &) -> UInt32 { return 0; });
+    EXPECT_TRUE(idle.StopThread(0));
+    EXPECT_EQ(idle.itsStoppingCalls, 1);
 }
 
 TEST(ThreadTest, StopReachesAWorkersLoop)
@@ -214,33 +231,6 @@ TEST(ThreadTest, ExceptionsEscapingAWorkerAreRecorded)
     }
 }
 
-TEST(ThreadTest, CallsOffXThreadsAreHarmless)
-{
-    EXPECT_EQ(XThread::GetCurrentThread(), nullptr);
-    EXPECT_NO_THROW(XThread::TestCancelCurrentThread());
-    EXPECT_EQ(XThread::GetMainThreadID(), static_cast<XThreadID>(::getpid()));
-    EXPECT_TRUE(XThread::IsMainThread()); // the test runs on the process's first thread
-    EXPECT_EQ(XThread::GetCurrentThreadID(), XThread::GetMainThreadID());
-    EXPECT_GE(XThread::GetProcessorCount(), 1u);
-
-    bool current = true;
-    bool isMain = true;
-    UInt32 cancelError = 1;
-    std::thread([&] {
-        current = XThread::GetCurrentThread() != nullptr;
-        isMain = XThread::IsMainThread();
-        cancelError = ErrorOf([] { XThread::TestCancelCurrentThread(); });
-    }).join();
-    EXPECT_FALSE(current);
-    EXPECT_FALSE(isMain);
-    EXPECT_EQ(cancelError, 0u);
-
-    // A stop asked of a thread that never started: nothing to wait for.
-    XTestThread idle([](XTestThread &) -> UInt32 { return 0; });
-    EXPECT_TRUE(idle.StopThread(0));
-    EXPECT_EQ(idle.itsStoppingCalls, 1);
-}
-
 TEST(ThreadTest, DeletingARunningThreadJoinsItAndAutoDeleteThreadsGoOnTheirOwn)
 {
     auto * endless = new XEndlessThread;
@@ -313,6 +303,205 @@ TEST(ThreadTest, PriorityAndStackSizeApplyToTheWorker)
     EXPECT_EQ(::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid())), inherited);
 }
 
+TEST(MutexTest, SameThreadNestsOthersWaitAndTimeOut)
+{
+    XMutex mutex;
+    EXPECT_TRUE(mutex.Lock());
+    EXPECT_TRUE(mutex.Lock(0, true));
+    EXPECT_TRUE(mutex.TryLock());
+    EXPECT_EQ(mutex.GetLockDepth(), 3u);
+    EXPECT_TRUE(mutex.IsLockedByCurrentThread());
+    OnOtherThread([&] {
+        EXPECT_EQ(mutex.GetLockDepth(), 0u);
+        EXPECT_FALSE(mutex.TryLock());
+        EXPECT_FALSE(mutex.Lock(20, false));
+        EXPECT_EQ(ErrorOf([&] { mutex.Lock(20, true); }), UInt32(kErrTimeOut));
+        EXPECT_THROW(mutex.Unlock(), XInternalError); // not the holder
+    });
+    mutex.Unlock();
+    mutex.Unlock();
+    OnOtherThread([&] { EXPECT_FALSE(mutex.TryLock()); }); // still held once
+    mutex.Unlock();
+    EXPECT_THROW(mutex.Unlock(), XInternalError);
+
+    // A waiting locker gets the mutex when it is free.
+    XTestGate asking;
+    std::atomic<bool> got{false};
+    mutex.Lock();
+    std::thread other([&] {
+        asking.Arrive();
+        got = mutex.Lock(kBoundMs, false);
+        if (got)
+            mutex.Unlock();
+    });
+    ASSERT_TRUE(asking.WaitFor(1));
+    mutex.Unlock();
+    other.join();
+    EXPECT_TRUE(got);
+
+    // The constructor sets what Lock() without arguments does on a time-out.
+    XMutex throwing(20, true);
+    XMutex quiet(20, false);
+    throwing.Lock();
+    quiet.Lock();
+    OnOtherThread([&] {
+        EXPECT_EQ(ErrorOf([&] { throwing.Lock(); }), UInt32(kErrTimeOut));
+        EXPECT_FALSE(quiet.Lock());
+        XThreadLock holder(quiet);
+        EXPECT_FALSE(holder.IsLocked()); // a failed lock holds nothing and unlocks nothing
+    });
+    throwing.Unlock();
+    quiet.Unlock();
+}
+
+TEST(MutexTest, ThreadLockReleasesAtScopeEndAndOnExceptions)
+{
+    XMutex mutex;
+    {
+        XThreadLock holder(mutex);
+        {
+            XThreadLock nested(mutex, 0, true);
+            EXPECT_EQ(mutex.GetLockDepth(), 2u);
+        }
+        EXPECT_EQ(mutex.GetLockDepth(), 1u);
+        holder.Unlock();
+        EXPECT_FALSE(holder.IsLocked());
+        EXPECT_EQ(mutex.GetLockDepth(), 0u);
+        holder.Unlock(); // nothing held: nothing happens
+        EXPECT_TRUE(holder.Relock(0, true));
+        EXPECT_THROW(holder.Relock(0, true), XInternalError);
+    }
+    EXPECT_EQ(mutex.GetLockDepth(), 0u);
+    EXPECT_EQ(ErrorOf([&] {
+                  XThreadLock holder(mutex);
+                  throw XException(kErrGeneric);
+              }),
+              UInt32(kErrGeneric));
+    OnOtherThread([&] {
+        EXPECT_TRUE(mutex.TryLock());
+        mutex.Unlock();
+    });
+}
+
+TEST(MutexTest, ExcludesConcurrentWriters)
+{
+    XMutex mutex;
+    UInt64 total = 0;
+    constexpr int kRounds = 20000;
+    auto add = [&] {
+        for (int round = 0; round < kRounds; ++round)
+        {
+            XThreadLock holder(mutex);
+            XThreadLock again(mutex); // nesting under contention
+            total += 1;
+        }
+    };
+    std::thread first(add);
+    std::thread second(add);
+    first.join();
+    second.join();
+    EXPECT_EQ(total, 2u * kRounds);
+}
+
+TEST(RWMutexTest, ReadersHoldTheLockTogether)
+{
+    XRWMutex mutex;
+    constexpr int kReaders = 3;
+    XTestGate inside;
+    XTestGate release;
+    std::atomic<int> allInside{0};
+    std::vector<std::thread> readers;
+    for (int reader = 0; reader < kReaders; ++reader)
+        readers.emplace_back([&] {
+            if (!mutex.Lock(kRWLockRead, kBoundMs, false))
+                return;
+            inside.Arrive();
+            if (inside.WaitFor(kReaders)) // only possible if all readers are inside at once
+                ++allInside;
+            release.WaitFor(1);
+            mutex.Unlock(kRWLockRead);
+        });
+    ASSERT_TRUE(inside.WaitFor(kReaders));
+    EXPECT_EQ(mutex.GetReaderCount(), UInt32(kReaders));
+    EXPECT_FALSE(mutex.IsWriteLocked());
+    EXPECT_FALSE(mutex.Lock(kRWLockWrite, 0, false));
+    EXPECT_FALSE(mutex.Lock(kRWLockWrite, 20, false));
+    EXPECT_EQ(ErrorOf([&] { mutex.Lock(kRWLockWrite, 20, true); }), UInt32(kErrTimeOut));
+    // A writer that gave up holds back no reader.
+    EXPECT_TRUE(mutex.Lock(kRWLockRead, 0, false));
+    mutex.Unlock(kRWLockRead);
+    release.Arrive();
+    for (std::thread & reader : readers)
+        reader.join();
+    EXPECT_EQ(allInside.load(), kReaders);
+    EXPECT_EQ(mutex.GetReaderCount(), 0u);
+    EXPECT_TRUE(mutex.Lock(kRWLockWrite, 0, false));
+    mutex.Unlock(kRWLockWrite);
+}
+
+TEST(RWMutexTest, WriterIsAloneAndMayNest)
+{
+    XRWMutex mutex;
+    ASSERT_TRUE(mutex.Lock(kRWLockWrite));
+    EXPECT_TRUE(mutex.IsWriteLockedByCurrentThread());
+    OnOtherThread([&] {
+        EXPECT_FALSE(mutex.IsWriteLockedByCurrentThread());
+        EXPECT_FALSE(mutex.Lock(kRWLockRead, 0, false));
+        EXPECT_FALSE(mutex.Lock(kRWLockRead, 20, false));
+        EXPECT_FALSE(mutex.Lock(kRWLockWrite, 20, false));
+        EXPECT_EQ(ErrorOf([&] { mutex.Lock(kRWLockRead, 20, true); }), UInt32(kErrTimeOut));
+        EXPECT_THROW(mutex.Unlock(kRWLockWrite), XInternalError); // not the writer
+    });
+
+    // The writer nests, for writing and for reading.
+    EXPECT_TRUE(mutex.Lock(kRWLockWrite, 0, true));
+    EXPECT_TRUE(mutex.Lock(kRWLockRead, 0, true));
+    EXPECT_EQ(mutex.GetReaderCount(), 0u);
+    mutex.Unlock(kRWLockRead);
+    mutex.Unlock(kRWLockWrite);
+    OnOtherThread([&] { EXPECT_FALSE(mutex.Lock(kRWLockRead, 0, false)); });
+    mutex.Unlock(kRWLockWrite);
+    EXPECT_FALSE(mutex.IsWriteLocked());
+    EXPECT_THROW(mutex.Unlock(kRWLockRead), XInternalError); // nothing held
+
+    OnOtherThread([&] {
+        XRWMutex::XScopedLock reading(mutex, kRWLockRead, 0, false);
+        EXPECT_TRUE(reading.IsLocked());
+        EXPECT_EQ(mutex.GetReaderCount(), 1u);
+    });
+    EXPECT_EQ(mutex.GetReaderCount(), 0u);
+}
+
+TEST(RWMutexTest, ReadersNeverSeeAHalfWrite)
+{
+    XRWMutex mutex;
+    UInt64 first = 0;
+    UInt64 second = 0;
+    std::atomic<int> torn{0};
+    constexpr int kRounds = 5000;
+    auto write = [&] {
+        for (int round = 0; round < kRounds; ++round)
+        {
+            XRWMutex::XScopedLock writing(mutex, kRWLockWrite);
+            ++first;
+            ++second;
+        }
+    };
+    auto read = [&] {
+        for (int round = 0; round < kRounds; ++round)
+        {
+            XRWMutex::XScopedLock reading(mutex, kRWLockRead);
+            torn += first != second;
+        }
+    };
+    std::thread threads[] = {std::thread(write), std::thread(write), std::thread(read), std::thread(read)};
+    for (std::thread & thread : threads)
+        thread.join();
+    EXPECT_EQ(torn.load(), 0);
+    EXPECT_EQ(first, 2u * kRounds);
+    EXPECT_EQ(second, 2u * kRounds);
+}
+
 TEST(ConditionVariableTest, SignalWakesThatManyOfTheLongestWaiting)
 {
     XWaitRoom room;
@@ -370,80 +559,63 @@ TEST(ConditionVariableTest, TimeOutsLostSignalsAndTheHeldMutex)
     EXPECT_THROW(condition.SleepForInputOrSignal(mutex, 0, false, false), XInternalError);
 }
 
-TEST(ConditionVariableTest, StopRequestEndsAnAlertableWait)
+TEST(ConditionVariableTest, StopRequestEndsOnlyAnAlertableWait)
 {
-    for (const bool throwOnStop : {false, true})
+    struct XCase
+    {
+        bool itsStopFirst; // the stop is asked before the wait begins
+        bool itsAlertable;
+        bool itsThrowOnStop;
+        XThreadOutcome itsOutcome;
+        UInt32 itsCode;
+    };
+    const XCase cases[] = {
+        {false, true, false, kThreadReturned, kWaitStopRequested},
+        {false, true, true, kThreadStopped, kErrThreadStopped},
+        {true, true, false, kThreadReturned, kWaitStopRequested},
+        {false, false, true, kThreadReturned, kWaitSignalled}, // a plain wait goes on: a signal ends it
+    };
+    for (const XCase & item : cases)
     {
         XWaitRoom room;
-        XTestThread worker([&room, throwOnStop](XTestThread &) -> UInt32 {
+        int depthAtStop = 0;
+        XTestThread worker([&](XTestThread &) -> UInt32 {
             XThreadLock holder(room.itsMutex);
-            room.Announce();
+            if (item.itsStopFirst)
+                room.AwaitNews([&] { return room.itsWaiting == 1; }); // held back until the stop
+            else
+                room.Announce();
             try
             {
-                const XWaitResult result = room.itsCondition.SleepForInputOrSignal(
-                    room.itsMutex, kInfiniteTimeOut, true, throwOnStop);
-                return result == kWaitStopRequested ? 5 : 6;
+                return room.itsCondition.SleepForInputOrSignal(room.itsMutex, kBoundMs, item.itsAlertable,
+                                                               item.itsThrowOnStop);
             }
             catch (const XStopThreadException &)
             {
-                // The mutex is held again when the stop is thrown.
-                room.itsWaiting = static_cast<int>(room.itsMutex.GetLockDepth()) + 10;
+                depthAtStop = int(room.itsMutex.GetLockDepth()); // held again when the stop is thrown
                 throw;
             }
         });
         worker.StartThread();
+        if (item.itsStopFirst)
+            worker.StopThread(0);
         {
             XThreadLock holder(room.itsMutex);
-            // Once the worker has told, it waits: it let go of the mutex only in its wait.
-            ASSERT_TRUE(room.AwaitNews([&] { return room.itsWaiting == 1; }));
+            if (item.itsStopFirst)
+                room.Announce();
+            else // once the worker has told, it waits: it lets go of the mutex only in its wait
+                ASSERT_TRUE(room.AwaitNews([&] { return room.itsWaiting == 1; }));
         }
-        const bool ended = worker.StopThread(kBoundMs);
-        if (!ended)
-            room.itsCondition.Signal(kSignalAll); // let the test end instead of hanging
-        ASSERT_TRUE(ended);
-        EXPECT_EQ(worker.GetThreadOutcome(), throwOnStop ? kThreadStopped : kThreadReturned);
-        EXPECT_EQ(worker.GetThreadReturnCode(), throwOnStop ? UInt32(kErrThreadStopped) : 5u);
-        if (throwOnStop)
+        if (!item.itsStopFirst)
+            worker.StopThread(0);
+        if (!item.itsAlertable)
         {
-            EXPECT_EQ(room.itsWaiting, 11);
+            EXPECT_EQ(room.itsCondition.Signal(1), 1u);
         }
+        ASSERT_TRUE(worker.WaitForTerminate(kBoundMs));
+        EXPECT_EQ(worker.GetThreadOutcome(), item.itsOutcome);
+        EXPECT_EQ(worker.GetThreadReturnCode(), item.itsCode);
+        EXPECT_EQ(depthAtStop, item.itsThrowOnStop && item.itsAlertable ? 1 : 0);
         EXPECT_EQ(room.itsCondition.GetWaiterCount(), 0u);
     }
-}
-
-TEST(ConditionVariableTest, EarlyStopEndsAnAlertableWaitAtOnceAndAPlainWaitIgnoresIt)
-{
-    // The stop comes before the wait begins.
-    XWaitRoom early;
-    XTestThread first([&early](XTestThread &) -> UInt32 {
-        XThreadLock holder(early.itsMutex);
-        early.AwaitNews([&] { return early.itsWaiting == 1; }); // held back until the stop
-        return early.itsCondition.SleepForInputOrSignal(early.itsMutex, kBoundMs, true, false);
-    });
-    first.StartThread();
-    first.StopThread(0);
-    {
-        XThreadLock holder(early.itsMutex);
-        early.Announce();
-    }
-    ASSERT_TRUE(first.WaitForTerminate(kBoundMs));
-    EXPECT_EQ(first.GetThreadReturnCode(), static_cast<UInt32>(kWaitStopRequested));
-
-    // A wait that is not alertable goes on after the stop, so the signal finds it.
-    XWaitRoom plain;
-    XTestThread second([&plain](XTestThread &) -> UInt32 {
-        XThreadLock holder(plain.itsMutex);
-        plain.Announce();
-        return plain.itsCondition.SleepForInputOrSignal(plain.itsMutex, kBoundMs, false, true);
-    });
-    second.StartThread();
-    {
-        XThreadLock holder(plain.itsMutex);
-        ASSERT_TRUE(plain.AwaitNews([&] { return plain.itsWaiting == 1; }));
-    }
-    second.StopThread(0);
-    EXPECT_EQ(plain.itsCondition.Signal(1), 1u);
-    ASSERT_TRUE(second.WaitForTerminate(kBoundMs));
-    EXPECT_EQ(second.GetThreadOutcome(), kThreadReturned);
-    EXPECT_EQ(second.GetThreadReturnCode(), static_cast<UInt32>(kWaitSignalled));
 }
