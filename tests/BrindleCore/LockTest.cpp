@@ -12,7 +12,7 @@
 #include "XFileDataFetcher.h"
 #include "XLock.h"
 #include "XMemoryHandle.h"
-#include "XTestSupport.h"
+#include "XFoundationTestSupport.h"
 
 namespace
 {
@@ -182,31 +182,26 @@ TEST(LockTest, WritersExcludeEveryone)
     std::atomic<int> violations{0};
     UInt64 counter = 0; // changed only under the write lock
     std::atomic<UInt64> writes{0};
-    constexpr int kThreads = 4;
     constexpr int kRounds = 2000;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < kRounds; ++i)
+    RunOnThreads(4, [&](int t) {
+        for (int i = 0; i < kRounds; ++i)
+        {
+            if ((i + t) % 3 == 0)
             {
-                if ((i + t) % 3 == 0)
-                {
-                    XLock lock(data, kLockRead);
-                    ++readersInside;
-                    violations += writersInside.load() != 0;
-                    --readersInside;
-                    continue;
-                }
-                XLock lock(data, (i & 1) ? kLockReadWrite : kLockWrite);
-                violations += writersInside.fetch_add(1) != 0 || readersInside.load() != 0;
-                ++counter;
-                ++writes;
-                XLock nested(data, kLockRead); // nesting under contention
-                --writersInside;
+                XLock lock(data, kLockRead);
+                ++readersInside;
+                violations += writersInside.load() != 0;
+                --readersInside;
+                continue;
             }
-        });
-    for (std::thread & thread : threads)
-        thread.join();
+            XLock lock(data, (i & 1) ? kLockReadWrite : kLockWrite);
+            violations += writersInside.fetch_add(1) != 0 || readersInside.load() != 0;
+            ++counter;
+            ++writes;
+            XLock nested(data, kLockRead); // nesting under contention
+            --writersInside;
+        }
+    });
     EXPECT_EQ(violations.load(), 0);
     EXPECT_EQ(counter, writes.load());
     EXPECT_FALSE(data.IsLocked());
@@ -296,15 +291,11 @@ TEST(LockTest, FirstLocksOnManyThreadsFetchOnceAndCopiesShareTheFetcher)
     XRefPtr<XPatternFetcher> once(new XPatternFetcher(4096, 0));
     shared.SetDataFetcher(once.Get());
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            XLock lock(shared, kLockRead);
-            for (UInt64 i = 0; i < 4096; ++i)
-                wrong += Bytes(shared)[i] != UInt8(i);
-        });
-    for (std::thread & thread : threads)
-        thread.join();
+    RunOnThreads(4, [&](int) {
+        XLock lock(shared, kLockRead);
+        for (UInt64 i = 0; i < 4096; ++i)
+            wrong += Bytes(shared)[i] != UInt8(i);
+    });
     EXPECT_EQ(once->itsRuns.load(), 1);
     EXPECT_EQ(wrong.load(), 0);
 

@@ -342,16 +342,12 @@ TEST(MemoryHandleTest, SwapOnLockTurnsTheBytesOnce)
         SwapBuffer16(expect.GetData(), 2048);
     }
     shared.SetSwapOnLock(kSwap16);
-    std::vector<std::thread> threads;
     std::atomic<int> wrong{0};
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            XLock lock(shared, kLockRead);
-            XLock other(expect, kLockRead);
-            wrong += std::memcmp(shared.GetData(), expect.GetData(), 4096) != 0;
-        });
-    for (std::thread & thread : threads)
-        thread.join();
+    RunOnThreads(4, [&](int) {
+        XLock lock(shared, kLockRead);
+        XLock other(expect, kLockRead);
+        wrong += std::memcmp(shared.GetData(), expect.GetData(), 4096) != 0;
+    });
     EXPECT_EQ(wrong.load(), 0);
 }
 

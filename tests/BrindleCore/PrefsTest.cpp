@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <limits>
-#include <thread>
 
 #include "XFoundationTestSupport.h"
 #include "XPrefsSaver.h"
@@ -209,18 +208,15 @@ TEST(PrefsTest, ThreadsSetWhileAnotherSaves)
 {
     XTemporaryFolder folder;
     XPrefsSaver prefs(folder.Spec("prefs"));
-    std::vector<std::thread> threads;
-    for (int worker = 0; worker < 4; ++worker)
-        threads.emplace_back([&prefs, worker] {
-            for (UInt32 i = 0; i < 200; ++i)
-                prefs.SetUInt32("W" + std::to_string(worker), std::to_string(i), i * 3);
-        });
-    threads.emplace_back([&prefs] {
-        for (int i = 0; i < 5; ++i)
-            prefs.Save();
+    RunOnThreads(5, [&prefs](int aWorker) { // four set values while the fifth saves
+        for (UInt32 i = 0; i < 200; ++i)
+        {
+            if (aWorker < 4)
+                prefs.SetUInt32("W" + std::to_string(aWorker), std::to_string(i), i * 3);
+            else if (i % 40 == 0)
+                prefs.Save();
+        }
     });
-    for (std::thread & thread : threads)
-        thread.join();
     prefs.Save();
     XPrefsSaver back(folder.Spec("prefs"));
     back.Load();

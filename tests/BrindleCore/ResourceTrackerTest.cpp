@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <thread>
-#include <vector>
-
+#include "XFoundationTestSupport.h"
 #include "XResourceTracker.h"
 
 TEST(ResourceTrackerTest, ThreadsBalanceOutAndRemovalsStopAtZero)
@@ -14,18 +11,14 @@ TEST(ResourceTrackerTest, ThreadsBalanceOutAndRemovalsStopAtZero)
     static int sRun = 0;
     const std::string kind = "TrackerTest" + std::to_string(++sRun);
     XResourceTracker & tracker = XResourceTracker::GetTracker();
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&tracker, &kind] {
-            XResourceTracker::XCounter & counter = tracker.GetCounter(kind);
-            for (int i = 0; i < 10000; ++i)
-            {
-                tracker.AddResource(kind, 8);
-                counter.Remove(8);
-            }
-        });
-    for (std::thread & thread : threads)
-        thread.join();
+    RunOnThreads(4, [&tracker, &kind](int) {
+        XResourceTracker::XCounter & counter = tracker.GetCounter(kind);
+        for (int i = 0; i < 10000; ++i)
+        {
+            tracker.AddResource(kind, 8);
+            counter.Remove(8);
+        }
+    });
     tracker.AddResource(kind.c_str(), 1000);
     tracker.AddResource(XString(kind), 24);
     tracker.RemoveResource(kind, 1000);

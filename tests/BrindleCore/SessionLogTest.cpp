@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "XAssert.h"
 #include "XFoundationTestSupport.h"
 #include "XSessionLogManager.h"
@@ -84,14 +82,10 @@ TEST(SessionLogTest, PlaceFollowsTheEnvironment)
 TEST(SessionLogTest, ThreadsWriteWholeLines)
 {
     XTemporaryLog log;
-    std::vector<std::thread> writers;
-    for (int writer = 0; writer < 4; ++writer)
-        writers.emplace_back([writer] {
-            for (int i = 0; i < 100; ++i)
-                XSessionLogManager::AddEntry("writer " + std::to_string(writer) + " entry " + std::to_string(i));
-        });
-    for (std::thread & writer : writers)
-        writer.join();
+    RunOnThreads(4, [](int aWriter) {
+        for (int i = 0; i < 100; ++i)
+            XSessionLogManager::AddEntry("writer " + std::to_string(aWriter) + " entry " + std::to_string(i));
+    });
     std::vector<std::string> texts = log.Texts();
     ASSERT_EQ(texts.size(), 400u);
     int counts[4] = {0, 0, 0, 0};

@@ -388,18 +388,14 @@ TEST(MutexTest, ExcludesConcurrentWriters)
     XMutex mutex;
     UInt64 total = 0;
     constexpr int kRounds = 20000;
-    auto add = [&] {
+    RunOnThreads(2, [&](int) {
         for (int round = 0; round < kRounds; ++round)
         {
             XThreadLock holder(mutex);
             XThreadLock again(mutex); // nesting under contention
             total += 1;
         }
-    };
-    std::thread first(add);
-    std::thread second(add);
-    first.join();
-    second.join();
+    });
     EXPECT_EQ(total, 2u * kRounds);
 }
 
@@ -479,24 +475,19 @@ TEST(RWMutexTest, ReadersNeverSeeAHalfWrite)
     UInt64 second = 0;
     std::atomic<int> torn{0};
     constexpr int kRounds = 5000;
-    auto write = [&] {
+    RunOnThreads(4, [&](int aThread) { // two writers, two readers
         for (int round = 0; round < kRounds; ++round)
         {
-            XRWMutex::XScopedLock writing(mutex, kRWLockWrite);
-            ++first;
-            ++second;
+            XRWMutex::XScopedLock lock(mutex, aThread < 2 ? kRWLockWrite : kRWLockRead);
+            if (aThread < 2)
+            {
+                ++first;
+                ++second;
+            }
+            else
+                torn += first != second;
         }
-    };
-    auto read = [&] {
-        for (int round = 0; round < kRounds; ++round)
-        {
-            XRWMutex::XScopedLock reading(mutex, kRWLockRead);
-            torn += first != second;
-        }
-    };
-    std::thread threads[] = {std::thread(write), std::thread(write), std::thread(read), std::thread(read)};
-    for (std::thread & thread : threads)
-        thread.join();
+    });
     EXPECT_EQ(torn.load(), 0);
     EXPECT_EQ(first, 2u * kRounds);
     EXPECT_EQ(second, 2u * kRounds);

@@ -1,6 +1,7 @@
 #pragma once
-// Helpers of the foundation's tests: a worker whose body is a function, a scratch folder that
-// goes with its contents, whole files as text, and the bytes of a memory handle.
+// Helpers of the foundation's tests: a worker whose body is a function, work spread over plain
+// threads, a scratch folder that goes with its contents, whole files as text, and the bytes of
+// a memory handle.
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <dirent.h>
@@ -66,6 +68,16 @@ protected:
 private:
     XBody itsBody;
 };
+
+// Runs aWork(0) to aWork(aCount - 1), each on a thread of its own, and waits for them all.
+inline void RunOnThreads(int aCount, const std::function<void(int)> & aWork)
+{
+    std::vector<std::thread> threads;
+    for (int index = 0; index < aCount; ++index)
+        threads.emplace_back(aWork, index);
+    for (std::thread & thread : threads)
+        thread.join();
+}
 
 // A fresh folder in the temporary folder, removed with everything in it at the end.
 class XTemporaryFolder
