@@ -85,7 +85,8 @@ TEST(TimeTest, CalendarAdvancesOneDayAtATime)
         ASSERT_EQ(XTime::FromParts(parts), day);
         previous = parts;
     }
-    previous.itsDay = 32;
+    previous.itsMonth = 2;
+    previous.itsDay = 30;
     EXPECT_THROW(XTime::FromParts(previous), XException);
 }
 

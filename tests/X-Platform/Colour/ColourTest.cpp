@@ -170,13 +170,9 @@ TYPED_TEST(Colour32Test, OrderingComparesIntensityOnly)
 {
     using C = TypeParam;
     const C red(255, 0, 0), blue(0, 0, 255);
-    EXPECT_FALSE(red < blue);
-    EXPECT_FALSE(blue < red);
-    EXPECT_FALSE(red > blue);
-    EXPECT_TRUE(red <= blue);
-    EXPECT_TRUE(red >= blue);
-    EXPECT_FALSE(red == blue);
-    EXPECT_TRUE(red != blue);
+    EXPECT_FALSE(red < blue || blue < red || red > blue);
+    EXPECT_TRUE(red <= blue && red >= blue);
+    EXPECT_TRUE(red != blue); // equality compares every channel
     EXPECT_TRUE(C(10, 0, 0) < C(0, 11, 0));
     EXPECT_FALSE(C(1, 10, 10, 10) == C(2, 10, 10, 10));
 }
@@ -235,8 +231,6 @@ TEST(RGBFloat32Colour, PlainFloatArithmeticAndKinds)
     EXPECT_EQ(colour.GetMaxComponent(), 3.0f);
     EXPECT_EQ(colour.GetMinComponent(), -2.0f);
     EXPECT_EQ(colour + XRGBFloat32Colour(1.0f, 1.0f, 1.0f), XRGBFloat32Colour(1.5f, -1.0f, 4.0f));
-    EXPECT_EQ(colour * XRGBFloat32Colour(2.0f, 2.0f, 0.5f), XRGBFloat32Colour(1.0f, -4.0f, 1.5f));
-    EXPECT_EQ(colour + 0.5f, XRGBFloat32Colour(1.0f, -1.5f, 3.5f));
     EXPECT_EQ(colour * 300.0f, XRGBFloat32Colour(150.0f, -600.0f, 900.0f));
 
     EXPECT_TRUE(XRGBFloat32Colour().IsBlack());
