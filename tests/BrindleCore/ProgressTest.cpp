@@ -109,8 +109,6 @@ TEST_F(ProgressTest, CountsWithoutAStrategy)
     EXPECT_DOUBLE_EQ(progress.GetFraction(), 1.0);
     progress.SetProgress(2);
     EXPECT_DOUBLE_EQ(progress.GetFraction(), 0.25);
-    progress.SetMessage("Median");
-    EXPECT_EQ(progress.GetMessageA(), "Median");
     EXPECT_EQ(XProgress::GetCurrentProgress(), &progress);
     EXPECT_DOUBLE_EQ(XProgress(0, 3, 0, false).GetFraction(), 1.0);
     EXPECT_THROW(XProgress(1, 4, 0, false), XInternalError);
