@@ -23,7 +23,11 @@ namespace
 {
 constexpr UInt32 kWidth = 512, kHeight = 512, kDepth = 64;
 constexpr UInt64 kVoxels = UInt64(kWidth) * kHeight * kDepth;
-constexpr int kRepeats = 7;
+// Timed repetitions: BENCH_REPEATS, as on the numpy side, else 7.
+const int kRepeats = [] {
+    const char * repeats = std::getenv("BENCH_REPEATS");
+    return repeats != nullptr && std::atoi(repeats) > 0 ? std::atoi(repeats) : 7;
+}();
 const bool kClassesRegistered = [] {
     XRegisterImagingClasses();
     return true;

@@ -202,9 +202,10 @@ private:
     // whether they fill it.
     void ApplyCrop(const X3DRect & aLimit, bool aFills);
     // Replaces the mask by a new one over aBox, every byte written row by row by aRule(out, y, z)
-    // (true when it wrote a set byte), with this region and anOther locked for reading, and crops it with a scan made as the rows are
-    // written: the result and form of painting or masking into a mask and then cropping. The
-    // rows run on the widest vector unit of the processor.
+    // (true when it wrote a set byte), with this region and anOther locked for reading, and
+    // crops it to the box of the set voxels found as the rows are written: the result and form
+    // of painting or masking into a mask and then cropping. The rows run on the widest vector
+    // unit of the processor.
     template <typename RowRule>
     void CombineInto(const X3DRegion & anOther, const X3DRect & aBox, RowRule aRule);
     // Walks aBox (inside both regions' boxes) under read locks and returns true at the first
