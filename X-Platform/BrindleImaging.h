@@ -46,6 +46,7 @@
 #include "XIntegerVolume.h"
 #include "XInvertVolumeTool.h"
 #include "XMaskBits.h"
+#include "XMaskRowWriter.h"
 #include "XMaskImageRenderer.h"
 #include "XMaskVolume.h"
 #include "XMatrixException.h"
