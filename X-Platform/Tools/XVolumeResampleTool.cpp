@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <emmintrin.h>
+#include <immintrin.h>
 #include <limits>
 #include <string>
 #include <type_traits>
@@ -18,6 +18,7 @@
 #include "XException.h"
 #include "XGrey8Volume.h"
 #include "XImagingErrors.h"
+#include "XIntelCPUInfo.h"
 #include "XLanczos3Filter.h"
 #include "XLock.h"
 #include "XProgress.h"
@@ -36,10 +37,6 @@ using XSamples = std::vector<XContribution>;
 
 // The widest half-width accepted of a filter: more would only make tables of absurd size.
 constexpr double kMaxFilterSize = 256.0;
-
-// Bytes weighed together: a block of a row in the Y and Z passes, a column of a strip of rows in
-// the X pass. 32 sums of 32 bits fill eight SSE or four AVX2 registers.
-constexpr UInt32 kLaneBytes = 32;
 
 // j folded into 0..aSize - 1: -j below 0, 2 aSize - j - 1 from aSize on, again while outside.
 SInt64 Mirror(SInt64 j, SInt64 aSize)
@@ -61,27 +58,97 @@ UInt32 ExtentOf(const X3DRect & aRect, UInt32 anAxis)
     return anAxis == 0 ? aRect.GetWidth() : anAxis == 1 ? aRect.GetHeight() : aRect.GetDepth();
 }
 
+// Bytes weighed together: a block of a row in the Y and Z passes, a column of a strip of rows in
+// the X pass. Their 32 sums of 32 bits fill eight SSE or four AVX2 registers.
+constexpr UInt32 kLaneBytes = 32;
+
+// The vector operations of the weighing, on four lanes (SSE4.1, which every processor of the
+// build's baseline has) or on eight (AVX2, chosen at run time). Sums go by reference, so that
+// no function passes a vector by value.
+struct XSSELanes
+{
+    using XSums = __m128i;
+    static constexpr UInt32 kCount = 4;
+    // outSums = aWeight * the four bytes, widened; Add adds that to ioSums.
+    static void Weigh(const UInt8 * aBytes, UInt32 aWeight, XSums & outSums)
+    {
+        UInt32 bytes;
+        std::memcpy(&bytes, aBytes, sizeof(bytes));
+        outSums = _mm_mullo_epi32(_mm_cvtepu8_epi32(_mm_cvtsi32_si128(static_cast<int>(bytes))),
+                                  _mm_set1_epi32(static_cast<int>(aWeight)));
+    }
+    static void Add(const UInt8 * aBytes, UInt32 aWeight, XSums & ioSums)
+    {
+        XSums sums;
+        Weigh(aBytes, aWeight, sums);
+        ioSums = _mm_add_epi32(ioSums, sums);
+    }
+    // The low bytes of sums >> 16, 32 of them from eight registers.
+    static void Store(const XSums * aSums, UInt8 * aDest)
+    {
+        const __m128i mask = _mm_set1_epi32(0xFF);
+        for (int half = 0; half < 2; ++half)
+        {
+            __m128i words[2];
+            for (int i = 0; i < 2; ++i)
+            {
+                const XSums * sums = aSums + 4 * half + 2 * i;
+                words[i] = _mm_packus_epi32(_mm_and_si128(_mm_srli_epi32(sums[0], 16), mask),
+                                            _mm_and_si128(_mm_srli_epi32(sums[1], 16), mask));
+            }
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(aDest + 16 * half), _mm_packus_epi16(words[0], words[1]));
+        }
+    }
+};
+
+struct XAVX2Lanes
+{
+    using XSums = __m256i;
+    static constexpr UInt32 kCount = 8;
+    [[gnu::target("avx2")]] static void Weigh(const UInt8 * aBytes, UInt32 aWeight, XSums & outSums)
+    {
+        outSums = _mm256_mullo_epi32(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(aBytes))),
+                                     _mm256_set1_epi32(static_cast<int>(aWeight)));
+    }
+    [[gnu::target("avx2")]] static void Add(const UInt8 * aBytes, UInt32 aWeight, XSums & ioSums)
+    {
+        XSums sums;
+        Weigh(aBytes, aWeight, sums);
+        ioSums = _mm256_add_epi32(ioSums, sums);
+    }
+    // The packs work within each 128-bit half; the last step puts the groups of four in order.
+    [[gnu::target("avx2")]] static void Store(const XSums * aSums, UInt8 * aDest)
+    {
+        const __m256i mask = _mm256_set1_epi32(0xFF);
+        __m256i low[4];
+        for (int i = 0; i < 4; ++i)
+            low[i] = _mm256_and_si256(_mm256_srli_epi32(aSums[i], 16), mask);
+        const __m256i bytes =
+            _mm256_packus_epi16(_mm256_packus_epi32(low[0], low[1]), _mm256_packus_epi32(low[2], low[3]));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(aDest),
+                            _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+    }
+};
+
 // aDest[l] = the low byte of (sum of weight * aBase[offset * anElementBytes + l]) >> 16 over the
-// taps (at least one), for l below kLanes. The sums wrap in 32 bits; their low byte is that of
-// the signed sums. Written so that the sums stay in vector registers.
-template <UInt32 kLanes>
+// taps (at least one), for l below kLaneBytes. The sums wrap in 32 bits; their low byte is that
+// of the signed sums. They stay in registers from the first tap to the last.
+template <class Lanes>
 inline void WeighLanes(const UInt8 * aBase, SInt64 anElementBytes, const XContribution * aTap,
                        const XContribution * anEnd, UInt8 * aDest)
 {
-    UInt32 sums[kLanes];
+    constexpr UInt32 kRegisters = kLaneBytes / Lanes::kCount;
+    typename Lanes::XSums sums[kRegisters];
     const UInt8 * source = aBase + aTap->itsOffset * anElementBytes;
-    UInt32 weight = static_cast<UInt32>(aTap->itsWeight);
-    for (UInt32 l = 0; l < kLanes; ++l)
-        sums[l] = weight * source[l];
+    for (UInt32 r = 0; r < kRegisters; ++r)
+        Lanes::Weigh(source + r * Lanes::kCount, static_cast<UInt32>(aTap->itsWeight), sums[r]);
     while (++aTap != anEnd)
     {
         source = aBase + aTap->itsOffset * anElementBytes;
-        weight = static_cast<UInt32>(aTap->itsWeight);
-        for (UInt32 l = 0; l < kLanes; ++l)
-            sums[l] += weight * source[l];
+        for (UInt32 r = 0; r < kRegisters; ++r)
+            Lanes::Add(source + r * Lanes::kCount, static_cast<UInt32>(aTap->itsWeight), sums[r]);
     }
-    for (UInt32 l = 0; l < kLanes; ++l)
-        aDest[l] = static_cast<UInt8>(sums[l] >> 16);
+    Lanes::Store(sums, aDest);
 }
 
 // The same for aLanes lanes, any number of taps, one lane at a time: the ends of rows.
@@ -97,25 +164,9 @@ inline void WeighFewLanes(const UInt8 * aBase, SInt64 anElementBytes, const XCon
     }
 }
 
-// Where a pass reads and writes: the first voxel of each box, strides in bytes, and the
-// extents of the destination box (and the source's width, for the X pass).
-struct XPassFrame
-{
-    const UInt8 * itsSource;
-    UInt8 * itsDest;
-    SInt64 itsSourceRow;
-    SInt64 itsSourcePlane;
-    SInt64 itsDestRow;
-    SInt64 itsDestPlane;
-    UInt32 itsSourceWidth;
-    UInt32 itsWidth;
-    UInt32 itsHeight;
-    UInt32 itsDepth;
-};
-
 // One destination row of the Y and Z passes: each byte from the same byte of the rows that the
 // taps name, their offsets being in voxels of VoxelBytes bytes.
-template <UInt32 VoxelBytes>
+template <UInt32 VoxelBytes, class Lanes>
 inline void WeighRow(const UInt8 * aBase, const XSamples & aTaps, UInt8 * aDest, UInt32 aWidth)
 {
     const UInt64 bytes = UInt64(aWidth) * VoxelBytes;
@@ -124,55 +175,12 @@ inline void WeighRow(const UInt8 * aBase, const XSamples & aTaps, UInt8 * aDest,
     UInt64 b = 0;
     if (first != end)
         for (; b + kLaneBytes <= bytes; b += kLaneBytes)
-            WeighLanes<kLaneBytes>(aBase + b, VoxelBytes, first, end, aDest + b);
+            WeighLanes<Lanes>(aBase + b, VoxelBytes, first, end, aDest + b);
     WeighFewLanes(aBase + b, VoxelBytes, first, end, aDest + b, static_cast<UInt32>(bytes - b));
 }
 
-// Runs aPlane(k) for each destination plane, with the loop compiled for the widest instruction
-// set at hand, under a progress of one step a plane; a pending cancel stops between planes.
-template <typename PlaneWork>
-void RunPlanes(UInt32 aDepth, PlaneWork aPlane)
-{
-    XProgress progress(aDepth, XProgress::kProgressWithEstimate, 2000, false);
-    for (UInt32 k = 0; k < aDepth; ++k)
-    {
-        XThread::TestCancelCurrentThread();
-        XRunWidestKernel([&] { aPlane(k); });
-        progress.Increment();
-    }
-}
-
-// The Z pass: destination plane k from the source planes of aTable[k], row by row.
-template <UInt32 VoxelBytes>
-void RunZPass(const XPassFrame & aFrame, const XContributions & aTable)
-{
-    RunPlanes(aFrame.itsDepth, [&](UInt32 k) {
-        for (UInt32 y = 0; y < aFrame.itsHeight; ++y)
-        {
-            UInt8 * dest = aFrame.itsDest + k * aFrame.itsDestPlane + y * aFrame.itsDestRow;
-            WeighRow<VoxelBytes>(aFrame.itsSource + y * aFrame.itsSourceRow, aTable[k], dest, aFrame.itsWidth);
-            // Four-channel voxels: the low byte of the word is not weighed but set to 255.
-            if constexpr (VoxelBytes == 4)
-                for (UInt32 x = 0; x < aFrame.itsWidth; ++x)
-                    dest[4 * x] = 255;
-        }
-    });
-}
-
-// The Y pass: destination row j of each plane from the source rows of aTable[j].
-template <UInt32 VoxelBytes>
-void RunYPass(const XPassFrame & aFrame, const XContributions & aTable)
-{
-    RunPlanes(aFrame.itsDepth, [&](UInt32 k) {
-        for (UInt32 j = 0; j < aFrame.itsHeight; ++j)
-            WeighRow<VoxelBytes>(aFrame.itsSource + k * aFrame.itsSourcePlane, aTable[j],
-                                 aFrame.itsDest + k * aFrame.itsDestPlane + j * aFrame.itsDestRow, aFrame.itsWidth);
-    });
-}
-
 // Voxel (r, c) of a tile of 16 bytes by 16 / VoxelBytes rows at aSource goes to voxel (c, r) at
-// aDest: rounds of interleaving row i with row i + n/2 transpose an n by n tile. SSE2 belongs
-// to every x86-64 processor.
+// aDest: rounds of interleaving row i with row i + n/2 transpose an n by n tile.
 template <UInt32 VoxelBytes>
 inline void TransposeTile(const UInt8 * aSource, SInt64 aSourceStride, UInt8 * aDest, SInt64 aDestStride)
 {
@@ -229,36 +237,113 @@ void Transpose(const UInt8 * aSource, SInt64 aSourceStride, UInt8 * aDest, SInt6
             move(r, c);
 }
 
-// The X pass: a strip of rows is turned into columns of kLaneBytes bytes (one voxel of each row
-// of the strip), so that a destination column weighs whole source columns as the other passes
-// weigh rows; the destination columns are turned back into rows.
-template <UInt32 VoxelBytes>
-void RunXPass(const XPassFrame & aFrame, const XContributions & aTable)
+// Where a pass reads and writes: the first voxel of each box, strides in bytes, the extents of
+// the destination box (and the source's width, for the X pass), and the weights of the axis.
+struct XPassFrame
 {
-    std::vector<UInt8> buffer((UInt64(aFrame.itsSourceWidth) + aFrame.itsWidth) * kLaneBytes);
-    UInt8 * const sourceColumns = buffer.data();
-    UInt8 * const destColumns = sourceColumns + UInt64(aFrame.itsSourceWidth) * kLaneBytes;
-    RunPlanes(aFrame.itsDepth, [&aFrame, &aTable, sourceColumns, destColumns](UInt32 k) {
-        constexpr UInt32 kStripRows = kLaneBytes / VoxelBytes;
-        const UInt32 height = aFrame.itsHeight;
-        for (UInt32 y0 = 0; y0 < height; y0 += kStripRows)
+    const UInt8 * itsSource;
+    UInt8 * itsDest;
+    SInt64 itsSourceRow;
+    SInt64 itsSourcePlane;
+    SInt64 itsDestRow;
+    SInt64 itsDestPlane;
+    UInt32 itsSourceWidth;
+    UInt32 itsWidth;
+    UInt32 itsHeight;
+    UInt32 itsDepth;
+    const XSamples * itsTable;
+};
+
+// Destination plane k of the Z pass, from the source planes of table[k], row by row.
+template <UInt32 VoxelBytes, class Lanes>
+void ZPassPlane(const XPassFrame & aFrame, UInt32 k, UInt8 *)
+{
+    for (UInt32 y = 0; y < aFrame.itsHeight; ++y)
+    {
+        UInt8 * dest = aFrame.itsDest + k * aFrame.itsDestPlane + y * aFrame.itsDestRow;
+        WeighRow<VoxelBytes, Lanes>(aFrame.itsSource + y * aFrame.itsSourceRow, aFrame.itsTable[k], dest,
+                                    aFrame.itsWidth);
+        // Four-channel voxels: the low byte of the word is not weighed but set to 255.
+        if constexpr (VoxelBytes == 4)
+            for (UInt32 x = 0; x < aFrame.itsWidth; ++x)
+                dest[4 * x] = 255;
+    }
+}
+
+// Destination plane k of the Y pass: row j from the source rows of table[j].
+template <UInt32 VoxelBytes, class Lanes>
+void YPassPlane(const XPassFrame & aFrame, UInt32 k, UInt8 *)
+{
+    for (UInt32 j = 0; j < aFrame.itsHeight; ++j)
+        WeighRow<VoxelBytes, Lanes>(aFrame.itsSource + k * aFrame.itsSourcePlane, aFrame.itsTable[j],
+                                    aFrame.itsDest + k * aFrame.itsDestPlane + j * aFrame.itsDestRow, aFrame.itsWidth);
+}
+
+// Destination plane k of the X pass. A strip of rows is turned into columns of kLaneBytes bytes
+// (one voxel of each row of the strip), so that a destination column weighs whole source
+// columns as the other passes weigh rows; the destination columns are turned back into rows.
+// aColumns holds the source's columns and then the destination's.
+template <UInt32 VoxelBytes, class Lanes>
+void XPassPlane(const XPassFrame & aFrame, UInt32 k, UInt8 * aColumns)
+{
+    constexpr UInt32 kStripRows = kLaneBytes / VoxelBytes;
+    UInt8 * const sourceColumns = aColumns;
+    UInt8 * const destColumns = aColumns + UInt64(aFrame.itsSourceWidth) * kLaneBytes;
+    for (UInt32 y0 = 0; y0 < aFrame.itsHeight; y0 += kStripRows)
+    {
+        const UInt32 rows = std::min(kStripRows, aFrame.itsHeight - y0);
+        Transpose<VoxelBytes>(aFrame.itsSource + k * aFrame.itsSourcePlane + y0 * aFrame.itsSourceRow,
+                              aFrame.itsSourceRow, sourceColumns, kLaneBytes, rows, aFrame.itsSourceWidth);
+        for (UInt32 i = 0; i < aFrame.itsWidth; ++i)
         {
-            const UInt32 rows = std::min(kStripRows, height - y0);
-            Transpose<VoxelBytes>(aFrame.itsSource + k * aFrame.itsSourcePlane + y0 * aFrame.itsSourceRow,
-                                  aFrame.itsSourceRow, sourceColumns, kLaneBytes, rows, aFrame.itsSourceWidth);
-            for (UInt32 i = 0; i < aFrame.itsWidth; ++i)
-            {
-                const XSamples & taps = aTable[i];
-                UInt8 * const column = destColumns + UInt64(i) * kLaneBytes;
-                if (taps.empty())
-                    std::memset(column, 0, kLaneBytes);
-                else
-                    WeighLanes<kLaneBytes>(sourceColumns, kLaneBytes, taps.data(), taps.data() + taps.size(), column);
-            }
-            Transpose<VoxelBytes>(destColumns, kLaneBytes, aFrame.itsDest + k * aFrame.itsDestPlane + y0 * aFrame.itsDestRow,
-                                  aFrame.itsDestRow, aFrame.itsWidth, rows);
+            const XSamples & taps = aFrame.itsTable[i];
+            UInt8 * const column = destColumns + UInt64(i) * kLaneBytes;
+            if (taps.empty())
+                std::memset(column, 0, kLaneBytes);
+            else
+                WeighLanes<Lanes>(sourceColumns, kLaneBytes, taps.data(), taps.data() + taps.size(), column);
         }
-    });
+        Transpose<VoxelBytes>(destColumns, kLaneBytes,
+                              aFrame.itsDest + k * aFrame.itsDestPlane + y0 * aFrame.itsDestRow, aFrame.itsDestRow,
+                              aFrame.itsWidth, rows);
+    }
+}
+
+// Runs aPlane<Lanes>(frame, k, columns) for each destination plane with the widest lanes at hand,
+// under a progress of one step a plane; a pending cancel stops between planes.
+template <void (*BaselinePlane)(const XPassFrame &, UInt32, UInt8 *),
+          void (*AVX2Plane)(const XPassFrame &, UInt32, UInt8 *)>
+void RunPlanes(const XPassFrame & aFrame, UInt8 * aColumns)
+{
+    const bool avx2 = XIntelCPUInfo::HasFeature(kCPUFeatureAVX2);
+    XProgress progress(aFrame.itsDepth, XProgress::kProgressWithEstimate, 2000, false);
+    for (UInt32 k = 0; k < aFrame.itsDepth; ++k)
+    {
+        XThread::TestCancelCurrentThread();
+        auto wide = [&] { AVX2Plane(aFrame, k, aColumns); };
+        auto baseline = [&] { BaselinePlane(aFrame, k, aColumns); };
+        if (avx2)
+            XRunAVX2Kernel(wide);
+        else
+            XRunBaselineKernel(baseline);
+        progress.Increment();
+    }
+}
+
+// One pass along anAxis over every destination plane.
+template <UInt32 VoxelBytes>
+void RunPass(UInt32 anAxis, const XPassFrame & aFrame)
+{
+    if (anAxis == 0)
+    {
+        // The source's columns and the destination's, kLaneBytes bytes each.
+        std::vector<UInt8> columns((UInt64(aFrame.itsSourceWidth) + aFrame.itsWidth) * kLaneBytes);
+        RunPlanes<XPassPlane<VoxelBytes, XSSELanes>, XPassPlane<VoxelBytes, XAVX2Lanes>>(aFrame, columns.data());
+    }
+    else if (anAxis == 1)
+        RunPlanes<YPassPlane<VoxelBytes, XSSELanes>, YPassPlane<VoxelBytes, XAVX2Lanes>>(aFrame, nullptr);
+    else
+        RunPlanes<ZPassPlane<VoxelBytes, XSSELanes>, ZPassPlane<VoxelBytes, XAVX2Lanes>>(aFrame, nullptr);
 }
 
 void CheckOneAxis(UInt32 anAxis, const X3DRect & aSourceRect, const X3DRect & aDestRect)
@@ -562,7 +647,6 @@ void XVolumeResampleTool::ResampleAxis(XAxis anAxis, const V & aSource, V & aDes
                                        const X3DRect & aDestRect)
 {
     CheckOneAxis(anAxis, aSourceRect, aDestRect);
-    constexpr UInt32 kVoxelBytes = sizeof(typename V::XVoxel);
     XLock sourceLock(aSource, kLockRead);
     XLock destLock(aDest, aDestRect == aDest.GetBounds() ? kLockWrite : kLockReadWrite);
     const SInt64 strides[3] = {1, SInt64(aSource.GetRowVoxels()), SInt64(aSource.GetPlaneVoxels())};
@@ -579,13 +663,9 @@ void XVolumeResampleTool::ResampleAxis(XAxis anAxis, const V & aSource, V & aDes
         aSourceRect.GetWidth(),
         aDestRect.GetWidth(),
         aDestRect.GetHeight(),
-        aDestRect.GetDepth()};
-    switch (anAxis)
-    {
-    case kXAxis: RunXPass<kVoxelBytes>(frame, table); break;
-    case kYAxis: RunYPass<kVoxelBytes>(frame, table); break;
-    case kZAxis: RunZPass<kVoxelBytes>(frame, table); break;
-    }
+        aDestRect.GetDepth(),
+        table.data()};
+    RunPass<sizeof(typename V::XVoxel)>(anAxis, frame);
 }
 
 template void XVolumeResampleTool::ApplyToolColour(const XARGB32Volume &, XARGB32Volume &, const X3DRect &,
