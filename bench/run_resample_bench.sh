@@ -25,20 +25,18 @@ python=/usr/bin/python3
 work="${1:-$top/build/resample-bench}"
 rounds="${2:-2}"
 
+# Debian's packages of the peers, installed when missing; ITK's headers include FFTW's.
 missing=()
-# ITK's headers include FFTW's.
-for package in libinsighttoolkit5-dev libfftw3-dev; do
+for package in libinsighttoolkit5-dev libfftw3-dev python3-numpy python3-scipy python3-skimage; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "ok installed" || missing+=("$package")
 done
-for module in numpy scipy skimage; do
-    "$python" -c "import $module" 2>/dev/null || missing+=("python3-$module")
-done
-if [ ${#missing[@]} -ne 0 ]; then
-    sudo=""
-    [ "$(id -u)" -ne 0 ] && sudo="sudo"
+install_packages() {
+    local sudo=""
+    [ "$(id -u)" -eq 0 ] || sudo="sudo"
     $sudo apt-get update -q >/dev/null
-    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}" >/dev/null
-fi
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "$@" >/dev/null
+}
+[ ${#missing[@]} -eq 0 ] || install_packages "${missing[@]}"
 
 export BRINDLE_BUILD_DIR="${BRINDLE_BUILD_DIR:-$top/build}"
 "$top/scripts/build.sh" >/dev/null

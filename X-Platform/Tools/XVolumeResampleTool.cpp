@@ -309,8 +309,9 @@ void XPassPlane(const XPassFrame & aFrame, UInt32 k, UInt8 * aColumns)
     }
 }
 
-// Runs aPlane<Lanes>(frame, k, columns) for each destination plane with the widest lanes at hand,
-// under a progress of one step a plane; a pending cancel stops between planes.
+// Runs AVX2Plane(aFrame, k, aColumns) for each destination plane k where the processor has
+// AVX2, else BaselinePlane, each compiled whole for its instruction set; under a progress of one
+// step a plane, and a pending cancel stops between planes.
 template <void (*BaselinePlane)(const XPassFrame &, UInt32, UInt8 *),
           void (*AVX2Plane)(const XPassFrame &, UInt32, UInt8 *)>
 void RunPlanes(const XPassFrame & aFrame, UInt8 * aColumns)
