@@ -14,8 +14,8 @@
 // fading from the mean. That asymmetry is deliberate, on all three axes. A source of no voxels
 // leaves the margins zero.
 //
-// The result is a floating-point volume with the padded rows that the Fourier transforms want
-// once they stand; until then it is an XFPVolume.
+// The result is a floating-point volume (XFPVolume). The margins are walked with its row and
+// plane strides, so storage with padded rows serves as well.
 
 #include "X3DRect.h"
 #include "XTypes.h"
