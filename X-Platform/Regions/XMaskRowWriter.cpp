@@ -26,9 +26,11 @@ XMaskRowWriter::~XMaskRowWriter()
     const UInt64 misalignment = reinterpret_cast<std::uintptr_t>(aDest) % 32;
     const UInt64 head = misalignment == 0 ? 0 : std::min<UInt64>(aCount, 32 - misalignment);
     const UInt64 end = head + (aCount - head) / 32 * 32;
-    std::memcpy(aDest, aSource, head);
+    if (head > 0)
+        std::memcpy(aDest, aSource, head);
     for (UInt64 i = head; i < end; i += 32)
         _mm256_stream_si256(reinterpret_cast<__m256i *>(aDest + i),
                             _mm256_loadu_si256(reinterpret_cast<const __m256i *>(aSource + i)));
-    std::memcpy(aDest + end, aSource + end, aCount - end);
+    if (end < aCount)
+        std::memcpy(aDest + end, aSource + end, aCount - end);
 }

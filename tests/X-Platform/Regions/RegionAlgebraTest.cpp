@@ -69,6 +69,7 @@ X3DRegion RandomRegion(std::mt19937 & aRandom, SInt32 aWidth = 5)
     XSetVoxels(mask, bytes);
     return X3DRegion(mask);
 }
+
 // The byte of a locked region's mask at a voxel: 0 outside its box, 255 in a plain box.
 UInt8 ByteOf(const X3DRegion & aRegion, SInt32 aX, SInt32 aY, SInt32 aZ)
 {
