@@ -56,10 +56,14 @@ XStackLayout XStackLayout::FromImageJ(const std::map<std::string, std::string> &
 {
     const UInt64 channels = std::max<UInt64>(Count(aFields, "channels"), 1);
     const UInt64 times = std::max<UInt64>(Count(aFields, "frames"), 1);
+    const UInt64 pages = aPages.itsDirectories.size();
+    const UInt64 images = Count(aFields, "images");
+    if (pages == 1 && images > 1)
+        throw XCommandError("its ImageJ description tells of " + std::to_string(images) +
+                            " images, but it has one page (ImageJ's form of stacks past 4 GiB, which is not supported)");
     if (channels == 1 && times == 1)
         return MakePlain(aPages);
     const UInt64 slices = std::max<UInt64>(Count(aFields, "slices"), 1);
-    const UInt64 pages = aPages.itsDirectories.size();
     if (MorePlanesThan(pages, channels, slices, times) || channels * slices * times != pages)
         throw XCommandError("its ImageJ description tells of " + Counts(channels, slices, times) + ", but it has " +
                             Plural(pages, "page"));

@@ -33,7 +33,8 @@ public:
     // Each page a slice.
     static XStackLayout MakePlain(const XPages & aPages);
     // From the fields of an ImageJ description. A description whose channels and frames are 1
-    // reads as a plain stack whatever its slice count.
+    // reads as a plain stack whatever its slice count, unless it tells of several images on one
+    // page: ImageJ stores stacks past 4 GiB so, their planes one after another behind the first.
     static XStackLayout FromImageJ(const std::map<std::string, std::string> & aFields, const XPages & aPages);
     static XStackLayout FromOme(const XOmeMetadata & aMetadata, const XPages & aPages);
 

@@ -119,7 +119,7 @@ TEST_F(StackImport, ImageJTimePointsAndChannelsOverTime)
     EXPECT_EQ(Probes("t1-c1.bvol"), (std::vector<UInt16>{23331, 31529}));
 
     // Counts that do not fit the pages are refused when they would split channels or time
-    // points; a plain stack's slice count is not needed to read it.
+    // points; a plain stack's slice count is not needed to read it (a stack cut short).
     MakeStack("short.tif", 5, "ImageJ=1.54f\nimages=6\nchannels=2\nslices=3\nhyperstack=true\n");
     ExpectFailure({"import", "short.tif", "out.bvol"}, kBadInput,
                   "cannot read 'short.tif': its ImageJ description tells of 2 channels x 3 slices x 1 time point, "
@@ -127,6 +127,11 @@ TEST_F(StackImport, ImageJTimePointsAndChannelsOverTime)
     MakeStack("plain.tif", 3, "ImageJ=1.54f\nimages=10\nslices=10\n");
     ASSERT_EQ(Run({"import", "plain.tif", "plain.bvol"}).itsStatus, 0);
     EXPECT_EQ(Probes("plain.bvol"), (std::vector<UInt16>{2836, 6935, 11034}));
+    // ImageJ's stacks past 4 GiB: one page, its planes one after another behind it.
+    MakeStack("one.tif", 1, "ImageJ=1.54f\nimages=3\nslices=3\n");
+    ExpectFailure({"import", "one.tif", "out.bvol"}, kBadInput,
+                  "cannot read 'one.tif': its ImageJ description tells of 3 images, but it has one page (ImageJ's "
+                  "form of stacks past 4 GiB, which is not supported)");
 }
 
 TEST_F(StackImport, OmeTiffPagesFollowTheDimensionOrderAndTheTiffData)
