@@ -60,7 +60,8 @@ XStackLayout XStackLayout::FromImageJ(const std::map<std::string, std::string> &
     const UInt64 images = Count(aFields, "images");
     if (pages == 1 && images > 1)
         throw XCommandError("its ImageJ description tells of " + std::to_string(images) +
-                            " images, but it has one page (ImageJ's form of stacks past 4 GiB, which is not supported)");
+                            " images, but it has one page (ImageJ's form of stacks past 4 GiB, which is not "
+                            "supported)");
     if (channels == 1 && times == 1)
         return MakePlain(aPages);
     const UInt64 slices = std::max<UInt64>(Count(aFields, "slices"), 1);

@@ -184,7 +184,8 @@ void XTiffStackReader::ReadLayout()
                                      std::filesystem::path(itsPath).filename().string()};
     try
     {
-        const std::optional<XOmeMetadata> ome = description == nullptr ? std::nullopt : XOmeMetadata::Parse(description);
+        const std::optional<XOmeMetadata> ome =
+            description == nullptr ? std::nullopt : XOmeMetadata::Parse(description);
         if (ome)
         {
             itsLayout = XStackLayout::FromOme(*ome, pages);

@@ -21,6 +21,8 @@ namespace
 {
 // Strips of about this many bytes.
 constexpr UInt64 kStripBytes = 1 << 20;
+// Past this many bytes of voxels a classic TIFF's 32-bit offsets may not reach.
+constexpr UInt64 kBigTiffThreshold = (UInt64(1) << 32) - (UInt64(64) << 20);
 
 // How the pixels of a kind are stored.
 struct XTiffLayout
@@ -100,7 +102,8 @@ void XTiffStackWriter::Write(const XVolume & aVolume, const std::string & aPath,
     const UInt64 totalBytes = tiffRowBytes * height * aVolume.GetDepth();
 
     XTiffMessages::Begin();
-    std::unique_ptr<TIFF, XTiffCloser> tiff(TIFFOpen(aPath.c_str(), aBigTiff || totalBytes > kBigTiffThreshold ? "w8" : "w"));
+    const bool bigTiff = aBigTiff || totalBytes > kBigTiffThreshold;
+    std::unique_ptr<TIFF, XTiffCloser> tiff(TIFFOpen(aPath.c_str(), bigTiff ? "w8" : "w"));
     if (!tiff)
         throw XCommandError(XTiffMessages::With("cannot write '" + aPath + "'"));
     const std::string description = MakeImageJDescription(aVolume, kind);

@@ -2,8 +2,7 @@
 // Writes a volume as a multi-page TIFF stack, one page a plane, uncompressed, in the platform's
 // byte order, losslessly: masks and 8-bit grey as 8-bit grey, 16 and 32-bit grey as such,
 // float as 32-bit float, the 32-bit colour volumes as 8-bit RGB (their alpha is left out) and
-// RGB48 as 16-bit RGB. Stacks of more voxel bytes than a classic TIFF's 32-bit offsets surely
-// reach (4 GiB less 64 MiB for the pages' headers) are written as BigTIFF, others when asked.
+// RGB48 as 16-bit RGB. Stacks past 4 GiB are written as BigTIFF, others when asked.
 //
 // The voxel size goes into the resolution tags (pixels per micrometre, no unit) and, with the
 // z calibration as "spacing" and the renderer's black and white as "min" and "max", into an
@@ -11,15 +10,11 @@
 
 #include <string>
 
-#include "XTypes.h"
-
 class XVolume;
 
 class XTiffStackWriter
 {
 public:
-    static constexpr UInt64 kBigTiffThreshold = (UInt64(1) << 32) - (UInt64(64) << 20);
-
     // XCommandError when the file cannot be written or the volume is empty.
     static void Write(const XVolume & aVolume, const std::string & aPath, bool aBigTiff = false);
 };

@@ -160,7 +160,8 @@ TEST_F(StackImport, OmeTiffPagesFollowTheDimensionOrderAndTheTiffData)
 
     // XYTCZ: time fastest, then the one channel, then slice: time point 1 is pages 1 and 3.
     MakeStack("times.tif", 4,
-              Ome("DimensionOrder=\"XYTCZ\" SizeZ=\"2\" SizeC=\"1\" SizeT=\"2\"", "<TiffData IFD=\"0\" PlaneCount=\"4\"/>"));
+              Ome("DimensionOrder=\"XYTCZ\" SizeZ=\"2\" SizeC=\"1\" SizeT=\"2\"",
+                  "<TiffData IFD=\"0\" PlaneCount=\"4\"/>"));
     ExpectFailure({"import", "times.tif", "out.bvol"}, kBadCommandLine,
                   "'times.tif' holds 2 time points of 2 slices each; pick one with --time T (0..1)");
     ASSERT_EQ(Run({"import", "times.tif", "t1.bvol", "--time", "1"}).itsStatus, 0);
