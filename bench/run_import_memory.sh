@@ -9,15 +9,7 @@ set -euo pipefail
 top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 python=/usr/bin/python3
 
-missing=()
-[ -x /usr/bin/time ] || missing+=(time)
-[ -x "$python" ] || missing+=(python3)
-if [ ${#missing[@]} -ne 0 ]; then
-    sudo=""
-    [ "$(id -u)" -ne 0 ] && sudo="sudo"
-    $sudo apt-get update -q >/dev/null
-    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}" >/dev/null
-fi
+"$top/bench/install_missing.sh" /usr/bin/time=time "$python=python3"
 
 export BRINDLE_BUILD_DIR="${BRINDLE_BUILD_DIR:-$top/build}"
 "$top/scripts/build.sh" >/dev/null
