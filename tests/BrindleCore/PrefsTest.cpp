@@ -306,8 +306,10 @@ TEST(PrefsTest, ThreadsSetWhileAnotherSaves)
     std::vector<std::thread> workers;
     for (int worker = 0; worker < 4; ++worker)
         workers.emplace_back([&prefs, worker] {
+            std::string section = "W"; // appended: g++ 12 at -O3 warns falsely of "W" + std::to_string(...)
+            section += std::to_string(worker);
             for (UInt32 i = 0; i < 200; ++i)
-                prefs.SetUInt32("W" + std::to_string(worker), std::to_string(i), i * 3);
+                prefs.SetUInt32(section, std::to_string(i), i * 3);
         });
     std::thread saver([&prefs] {
         for (int i = 0; i < 5; ++i)
