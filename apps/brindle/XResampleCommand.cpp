@@ -79,7 +79,7 @@ UInt32 ScaledExtent(UInt32 anExtent, double aFactor)
 const std::vector<XCommandLine::XOptionSpec> & XResampleCommand::GetOptions()
 {
     static const std::vector<XCommandLine::XOptionSpec> options = {
-        {"size", true}, {"scale", true}, {"filter", true}, {"plane", true}, {"bits", true}};
+        {"size", true}, {"scale", true}, {"filter", true}, {"plane", true}, {"bits", true}, {"bigtiff", false}};
     return options;
 }
 
