@@ -3,6 +3,7 @@
 
 #include "XAssert.h"
 #include "XByteSwap.h"
+#include "XCheckedArithmetic.h"
 #include "XClassRegistry.h"
 #include "XConditionVariable.h"
 #include "XDataFetcher.h"

@@ -1,5 +1,6 @@
 #include "XBaseGreyImageRenderer.h"
 
+#include "XCheckedArithmetic.h"
 #include "XStream.h"
 
 const XVector<XARGB32Colour> XBaseGreyImageRenderer::kRainbowLUT =
@@ -46,7 +47,7 @@ void XBaseGreyImageRenderer::SetProperty(UInt32 aProperty, double aValue)
         return;
     }
     XARGB32Colour colour = aProperty < kWhiteColourRedProperty ? itsBlackColour : itsWhiteColour;
-    const UInt8 byte = UInt8(SInt32(aValue));
+    const UInt8 byte = UInt8(XCheckedTruncate<SInt32>(aValue));
     switch ((aProperty - kBlackColourRedProperty) % 3)
     {
     case 0: colour.SetRed(byte); break;

@@ -33,7 +33,8 @@ public:
     XARGB32Colour GetWhiteColour() const override { return itsWhiteColour; }
     XRendererType GetRendererType() const override { return itsRendererType; }
 
-    // Adds properties 10 to 15, the colour bytes; set from the truncated value.
+    // Adds properties 10 to 15, the colour bytes; set from the truncated value, whose low byte
+    // counts. A value that is NaN or beyond 32 bits is an internal error.
     bool HasProperty(UInt32 aProperty) const override;
     void SetProperty(UInt32 aProperty, double aValue) override;
     double GetProperty(UInt32 aProperty) const override;

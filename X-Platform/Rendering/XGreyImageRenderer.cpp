@@ -2,7 +2,9 @@
 
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
+#include "XCheckedArithmetic.h"
 #include "XStream.h"
 
 template <typename T>
@@ -70,7 +72,11 @@ void XGreyImageRenderer<T>::GetRainbowColour(T aVoxel, XARGB32Colour & outColour
 template <typename T>
 void XGreyImageRenderer<T>::GetColourByIndex(double anIndex, XARGB32Colour & outColour) const
 {
-    const T voxel = T(anIndex);
+    T voxel;
+    if constexpr (std::is_integral_v<T>)
+        voxel = XCheckedTruncate<T>(anIndex);
+    else
+        voxel = T(anIndex);
     GetColour(&voxel, outColour);
 }
 

@@ -31,7 +31,8 @@ public:
     // A rainbow (type 1): the table entry of (v - black) * 255 / (white - black), rounded;
     // gain, offset, gamma and balances play no part. Another type leaves the colour alone.
     void GetColour(const void * aVoxel, XARGB32Colour & outColour) const override;
-    // The index truncated to T, then GetColour.
+    // The index truncated to T, then GetColour. An integer T refuses an index beyond its range
+    // (or NaN) as an internal error.
     virtual void GetColourByIndex(double anIndex, XARGB32Colour & outColour) const;
 
 protected:
