@@ -9,10 +9,13 @@
 #include "XClassRegistry.h"
 #include "XFPImageRenderer.h"
 #include "XFPVolume.h"
+#include "XFloatToColourLUT.h"
 #include "XGrey16ImageRenderer.h"
 #include "XGrey16Volume.h"
 #include "XGrey8ImageRenderer.h"
 #include "XGrey8Volume.h"
+#include "XIntToColourLUT.h"
+#include "XIntToIntLUT.h"
 #include "XMaskImageRenderer.h"
 #include "XMaskVolume.h"
 #include "XMemoryHandle.h"
@@ -56,6 +59,9 @@ void RegisterForm(XVersion aWord, XVersion aSuper, const char * aDescription)
 
 void RegisterCreators()
 {
+    RegisterStreamAndRead<XIntToColourLUT>("XIntToColourLUT");
+    RegisterStreamAndRead<XFloatToColourLUT>("XFloatToColourLUT");
+    RegisterStreamAndRead<XIntToIntLUT>("XIntToIntLUT");
     RegisterStreamAndRead<XRect>("XRect");
     RegisterStreamAndRead<XFPVolume>("Floating-point Image");
     RegisterStreamAndRead<XMaskVolume>("1-bit Mask Image");
