@@ -42,8 +42,15 @@ protected:
     //    word registered as an alias), that word stands for the first level: old forms carry no
     //    word of their own there. The first level to ask takes it.
     // 2. Otherwise, when aDefault is not null and the object being read has an old identifier,
-    //    the caller reads an old form without a word at this place: aDefault is returned and
-    //    nothing is read. Direct stream constructors pass their class word here.
+    //    the caller reads an old form, which may or may not carry a word at this place. The next
+    //    word is taken when its class is aDefault's class or, when aDefault is an old
+    //    identifier, its current class: the stream holds the word. Anything else (a field, a
+    //    null object, the word of an object of another class, the end of the stream) is left
+    //    where it is and aDefault is returned. Direct stream constructors pass their class word
+    //    here.
+    //    Old forms give no other sign of the word: an old form that stops without a word here and
+    //    is followed at once by an object of the very class named would have that object's word
+    //    taken for its own.
     // 3. Otherwise the next word of the stream is read.
     static XVersion ReadClassVersion(XStream & aStream, XVersion aDefault);
 

@@ -300,9 +300,21 @@ XVersion XStream::TakeClassVersion(XVersion aDefault)
             return current.itsWord;
         }
         if (!aDefault.IsNull() && XClassRegistry::IsOldIdentifier(current.itsWord))
-            return aDefault;
+            return TakeOptionalClassVersion(aDefault);
     }
     return ReadVersion();
+}
+
+XVersion XStream::TakeOptionalClassVersion(XVersion aDefault)
+{
+    if (GetBytesLeft() < 4)
+        return aDefault;
+    const SInt64 position = GetPosition();
+    const XVersion word = ReadVersion();
+    if (word.GetClass() == aDefault.GetClass() || word.GetClass() == XClassRegistry::GetCurrentClass(aDefault))
+        return word;
+    SeekTo(position);
+    return aDefault;
 }
 
 void XStream::SeekTo(SInt64 aPosition)

@@ -144,6 +144,9 @@ protected:
     void PopObjectRead();
     // ReadClassVersion's rule; see XStorable.
     XVersion TakeClassVersion(XVersion aDefault);
+    // The next word when it names aDefault's class or the class that aDefault's class stands for;
+    // otherwise aDefault, and the stream stays where it was.
+    XVersion TakeOptionalClassVersion(XVersion aDefault);
 
     // Drops the window without writing (after the subclass changed the medium behind it).
     void DiscardBuffer();

@@ -28,19 +28,49 @@ namespace
 {
 using R = XClassRegistry;
 
+// One row of the class table: the class word, the level below it in the stream chain, what is
+// shown for such objects (the class's name where it has no description of its own), and the
+// stream and read creators. A row without creators is a class that this version does not build
+// yet: its word and its chain still answer IsA, and its creators join the row when the class
+// comes.
+struct XClassRow
+{
+    XVersion itsClass;
+    XVersion itsSuper;
+    const char * itsDescription;
+    R::XStreamCreator itsStreamCreator;
+    R::XReadCreator itsReadCreator;
+};
+
 // Stream and read creators of class T under its own word.
 template <class T>
-void RegisterStreamAndRead(const char * aDescription)
+XClassRow Built(const char * aDescription)
 {
-    R::RegisterClassA(T::GetClassVersion(), T::GetSuperClassVersion(), &R::StreamCreator<T>, &R::ReadCreator<T>,
-                      nullptr, XString(aDescription));
+    return {T::GetClassVersion(), T::GetSuperClassVersion(), aDescription, &R::StreamCreator<T>, &R::ReadCreator<T>};
 }
 
 template <class T>
-void RegisterReadOnly(const char * aDescription)
+XClassRow ReadOnly(const char * aDescription)
 {
-    R::RegisterClassA(T::GetClassVersion(), T::GetSuperClassVersion(), nullptr, &R::ReadCreator<T>, nullptr,
-                      XString(aDescription));
+    return {T::GetClassVersion(), T::GetSuperClassVersion(), aDescription, nullptr, &R::ReadCreator<T>};
+}
+
+// A form of class T under another word, read by T's creators.
+template <class T>
+XClassRow Form(XVersion aWord, XVersion aSuper, const char * aDescription)
+{
+    return {aWord, aSuper, aDescription, &R::StreamCreator<T>, &R::ReadCreator<T>};
+}
+
+XClassRow NotBuilt(UInt32 aClass, UInt32 aVersion, UInt32 aSuper, const char * aName)
+{
+    return {XVersion(aClass, aVersion), XVersion(aSuper), aName, nullptr, nullptr};
+}
+
+void Register(const XClassRow & aRow)
+{
+    R::RegisterClassA(aRow.itsClass, aRow.itsSuper, aRow.itsStreamCreator, aRow.itsReadCreator, nullptr,
+                      XString(aRow.itsDescription));
 }
 
 template <class T>
@@ -50,40 +80,49 @@ void RegisterDefault(const char * aDescription)
                       XString(aDescription));
 }
 
-// A form of class T under another word, read by T's creators.
-template <class T>
-void RegisterForm(XVersion aWord, XVersion aSuper, const char * aDescription)
-{
-    R::RegisterClassA(aWord, aSuper, &R::StreamCreator<T>, &R::ReadCreator<T>, nullptr, XString(aDescription));
-}
-
 void RegisterCreators()
 {
-    RegisterStreamAndRead<XIntToColourLUT>("XIntToColourLUT");
-    RegisterStreamAndRead<XFloatToColourLUT>("XFloatToColourLUT");
-    RegisterStreamAndRead<XIntToIntLUT>("XIntToIntLUT");
-    RegisterStreamAndRead<XRect>("XRect");
-    RegisterStreamAndRead<XFPVolume>("Floating-point Image");
-    RegisterStreamAndRead<XMaskVolume>("1-bit Mask Image");
-    RegisterStreamAndRead<XGrey8Volume>("256 Grays Image");
-    RegisterStreamAndRead<XGrey16Volume>("16-bit Grayscale Image");
-    RegisterStreamAndRead<XARGB32Volume>("Millions of Colors Image");
-    RegisterStreamAndRead<XBGRA32Volume>("Millions of Colors Image");
-    RegisterStreamAndRead<XRGB48Volume>("48-bit Color Image");
-    RegisterStreamAndRead<X3DRect>("X3DRect");
-    RegisterStreamAndRead<X3DRegion>("X3DRegion");
-    RegisterStreamAndRead<XMaskImageRenderer>("XMaskImageRenderer");
-    RegisterStreamAndRead<XGrey8ImageRenderer>("XGrey8ImageRenderer");
-    RegisterStreamAndRead<XGrey16ImageRenderer>("XGrey16ImageRenderer");
-    RegisterStreamAndRead<XARGB32ImageRenderer>("XARGB32ImageRenderer");
-    RegisterStreamAndRead<XBGRA32ImageRenderer>("XBGRA32ImageRenderer");
-    RegisterStreamAndRead<XRGB48ImageRenderer>("XRGB48ImageRenderer");
-    RegisterStreamAndRead<XFPImageRenderer>("XFPImageRenderer");
-    RegisterReadOnly<XRectF>("XRectF");
-    RegisterForm<XGrey8Volume>(XVersion(XVolume::kLossyGrey8ClassID, 1), XVersion(XGrey8Volume::kClassID),
-                               "256 Grays JPEG Image");
-    RegisterForm<XARGB32Volume>(XVersion(XVolume::kLossyARGB32ClassID, 1), XVersion(XARGB32Volume::kClassID),
-                                "Millions of Colors JPEG Image");
+    const XClassRow rows[] = {
+        Built<XIntToColourLUT>("XIntToColourLUT"),
+        Built<XFloatToColourLUT>("XFloatToColourLUT"),
+        Built<XIntToIntLUT>("XIntToIntLUT"),
+        Built<XRect>("XRect"),
+        Built<XFPVolume>("Floating-point Image"),
+        Built<XMaskVolume>("1-bit Mask Image"),
+        Built<XGrey8Volume>("256 Grays Image"),
+        Built<XGrey16Volume>("16-bit Grayscale Image"),
+        Built<XARGB32Volume>("Millions of Colors Image"),
+        Built<XBGRA32Volume>("Millions of Colors Image"),
+        Built<XRGB48Volume>("48-bit Color Image"),
+        Built<X3DRect>("X3DRect"),
+        Built<X3DRegion>("X3DRegion"),
+        Built<XMaskImageRenderer>("XMaskImageRenderer"),
+        Built<XGrey8ImageRenderer>("XGrey8ImageRenderer"),
+        Built<XGrey16ImageRenderer>("XGrey16ImageRenderer"),
+        Built<XARGB32ImageRenderer>("XARGB32ImageRenderer"),
+        Built<XBGRA32ImageRenderer>("XBGRA32ImageRenderer"),
+        Built<XRGB48ImageRenderer>("XRGB48ImageRenderer"),
+        Built<XFPImageRenderer>("XFPImageRenderer"),
+        ReadOnly<XRectF>("XRectF"),
+        NotBuilt(110, 2, 48, "X3DPolyLine"),
+        NotBuilt(118, 0, 48, "X3DSelectedPoint"),
+        NotBuilt(1205, 0, 1203, "XNetJobVolumeSharedData"),
+        NotBuilt(1206, 0, 1202, "XNetJobVolumeResult"),
+        NotBuilt(119, 0, 48, "X3DPolyLineF"),
+        NotBuilt(120, 0, 119, "X4DTrack"),
+        NotBuilt(121, 0, 48, "X3DHierarchicalPolyLine"),
+        NotBuilt(127, 0, 48, "XROICollection"),
+        NotBuilt(128, 0, 126, "XIrregularROI"),
+        NotBuilt(129, 0, 126, "XPolygonROI"),
+        NotBuilt(130, 0, 126, "XEllipseROI"),
+        NotBuilt(131, 0, 126, "XCuboidROI"),
+        Form<XGrey8Volume>(XVersion(XVolume::kLossyGrey8ClassID, 1), XVersion(XGrey8Volume::kClassID),
+                           "256 Grays JPEG Image"),
+        Form<XARGB32Volume>(XVersion(XVolume::kLossyARGB32ClassID, 1), XVersion(XARGB32Volume::kClassID),
+                            "Millions of Colors JPEG Image"),
+    };
+    for (const XClassRow & row : rows)
+        Register(row);
 }
 
 void RegisterDefaultCreators()
@@ -119,6 +158,21 @@ void RegisterInheritance()
     for (const auto & parent : parents)
         R::RegisterInheritance(XVersion(parent[0]), XVersion(parent[1]));
 }
+
+// The classes of the movie bridge and of distributed registration, which take default and read
+// creators when they are built.
+void RegisterJobAndBridgeClasses()
+{
+    const XClassRow rows[] = {
+        NotBuilt(1351, 0, 1350, "WQuickTimeShim::WQTShimControlLPCBridge"),
+        NotBuilt(1352, 0, 1350, "WQTCompressorLPCBridge"),
+        NotBuilt(2002, 0, 1203, "XImageRegistrationJobSharedData"),
+        NotBuilt(2001, 0, 1202, "XImageRegistrationJobResult"),
+        NotBuilt(2000, 0, 1200, "XImageRegistrationJob"),
+    };
+    for (const XClassRow & row : rows)
+        Register(row);
+}
 } // namespace
 
 void XRegisterImagingClasses()
@@ -128,4 +182,5 @@ void XRegisterImagingClasses()
     RegisterDefaultCreators();
     RegisterOldIdentifiers();
     RegisterInheritance();
+    RegisterJobAndBridgeClasses();
 }

@@ -36,7 +36,10 @@ XARGB32Volume::XARGB32Volume(XStream & aStream, bool aSkipVoxels) : XColourVolum
 
 void XARGB32Volume::ReadARGB32ImageStream(XStream & aStream, bool aDecode)
 {
-    const XVersion word = aStream.GetLastClassCreated();
+    // A plain legacy image carries the word 108 here. The JPEG form carries a word of class 514
+    // or none, which stands for 514 version 1; so does a plain image without its word, whose
+    // voxels are then refused below.
+    const XVersion word = ReadClassVersion(aStream, XVersion(kLegacyLossyClassID, 1));
     if (word.GetClass() != kLegacyLossyClassID)
         return;
     if (GetDataSize() != 0)
@@ -60,6 +63,14 @@ void XARGB32Volume::ReadARGB32ImageStream(XStream & aStream, bool aDecode)
     if (aDecode || end < 0)
         throw XException(kErrUnknownClass, "this version cannot decode JPEG-compressed volume voxels");
     aStream.SeekTo(end);
+}
+
+bool XARGB32Volume::PreReadStream(XStream & aStream, const XVersion & aVersion, XOptions anOptions)
+{
+    if (aVersion.GetClass() != kLossyARGB32ClassID || aStream.GetLastClassCreated().GetVersion() < 2)
+        return true;
+    ReadLossyStream(aStream, anOptions != kSkipData);
+    return false;
 }
 
 bool XARGB32Volume::IsPlaneRendererSupported(const XImageRenderer & aRenderer) const

@@ -37,11 +37,17 @@ public:
 
     void ReadStream2(XStream & aStream, XOptions anOptions) override;
     void WriteStream2(XStream & aStream, XOptions anOptions) const override;
+    // Reads a JPEG-compressed form (class 12100) when the word of the object being read has a
+    // version of 2 or more; forms of versions 0 and 1 answer true and go on to ReadStream2. With
+    // kSkipData the JPEG body is stepped over and the voxels are left zero. False when the form
+    // was read.
+    bool PreReadStream(XStream & aStream, const XVersion & aVersion, XOptions anOptions) override;
 
 protected:
     void ReadStream2_XARGB32Volume(XStream & aStream, XOptions anOptions);
     void WriteStream2_XARGB32Volume(XStream & aStream, XOptions anOptions) const;
-    // A legacy image: plain voxels were read with the packed level; the legacy JPEG form
-    // (class word 514) carries a JPEG body instead, with a length word from version 2.
+    // A legacy image: plain voxels were read with the packed level and are followed by the word
+    // 108. The legacy JPEG form has no voxels there but a word of class 514, or no word for 514
+    // version 1, and then a JPEG body, with a length word from version 2.
     void ReadARGB32ImageStream(XStream & aStream, bool aDecode);
 };

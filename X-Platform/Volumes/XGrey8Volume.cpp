@@ -35,6 +35,14 @@ bool XGrey8Volume::IsPlaneRendererSupported(const XImageRenderer & aRenderer) co
     return typeid(aRenderer) == typeid(XGrey8ImageRenderer);
 }
 
+bool XGrey8Volume::PreReadStream(XStream & aStream, const XVersion & aVersion, XOptions anOptions)
+{
+    if (aVersion.GetClass() != kLossyARGB32ClassID)
+        return true;
+    ReadLossyStream(aStream, anOptions != kSkipData);
+    return false;
+}
+
 void XGrey8Volume::ReadStream2(XStream & aStream, XOptions anOptions)
 {
     ReadStream2_XGrey8Volume(aStream, anOptions);

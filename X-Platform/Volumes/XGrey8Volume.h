@@ -35,6 +35,11 @@ public:
 
     void ReadStream2(XStream & aStream, XOptions anOptions) override;
     void WriteStream2(XStream & aStream, XOptions anOptions) const override;
+    // Reads a JPEG-compressed form, which it takes under the colour word 12100 only: its own
+    // word 12101 answers true, and such a stream is read by the stream constructor. With
+    // kSkipData the JPEG body is stepped over and the voxels are left zero. False when the form
+    // was read.
+    bool PreReadStream(XStream & aStream, const XVersion & aVersion, XOptions anOptions) override;
 
 protected:
     void ReadStream2_XGrey8Volume(XStream & aStream, XOptions anOptions);

@@ -37,7 +37,8 @@ XRGB48Volume::XRGB48Volume(XStream & aStream) : XColourVolume<XRGB48Colour>(aStr
 
 void XRGB48Volume::ReadRGB48ImageStream(XStream & aStream)
 {
-    ReadClassVersion(aStream, XVersion(6));
+    // The word 112, taken when the stream holds it here.
+    ReadClassVersion(aStream, GetClassVersion());
     std::unique_ptr<XMemoryHandle> unused(aStream.ReadObjectAs<XMemoryHandle>(kNormal));
     // The three planes that follow hold two bytes a voxel each: the stream must have them.
     const UInt64 planeBytes = UInt64(GetWidth()) * GetHeight() * GetDepth() * 2;

@@ -38,8 +38,9 @@ public:
 protected:
     void ReadStream2_XRGB48Volume(XStream & aStream, XOptions anOptions);
     void WriteStream2_XRGB48Volume(XStream & aStream, XOptions anOptions) const;
-    // A legacy image: a handle object that must be null or a memory handle (and is not used),
-    // then the red, green and blue planes as three handles of 16-bit samples.
+    // A legacy image: the word 112 when the stream holds one, a handle object that must be null
+    // or a memory handle (and is not used), then the red, green and blue planes as three handles
+    // of 16-bit samples.
     void ReadRGB48ImageStream(XStream & aStream);
 
 private:

@@ -1,13 +1,15 @@
 // Volumes on streams: the chain of sections of each class, byte for byte; round trips of every
 // class in both byte orders; legacy forms built by hand (the old volume word without a
-// position, legacy images with their rectangle, the inverted padded mask, RGB48 from three
-// planes); and damaged streams, which must raise XException and leak nothing.
+// position, legacy images with their rectangle, the inverted padded mask, level words that the
+// stream may or may not hold, RGB48 from three planes); the JPEG-compressed forms' frame; and
+// damaged streams, which must raise XException and leak nothing.
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "XARGB32Volume.h"
 #include "XBGRA32Volume.h"
@@ -16,6 +18,7 @@
 #include "XGrey32Volume.h"
 #include "XMaskVolume.h"
 #include "XRGB48Volume.h"
+#include "XRect.h"
 #include "XTestMemoryStream.h"
 #include "XTestSupport.h"
 #include "XVolumeTestSupport.h"
@@ -27,7 +30,7 @@ class XBytes
 {
 public:
     explicit XBytes(XByteOrder anOrder = kLittleEndian) : itsStream(anOrder) {}
-    XBytes & Words(std::initializer_list<UInt32> aWords)
+    XBytes & Words(const std::vector<UInt32> & aWords)
     {
         for (UInt32 word : aWords)
             itsStream.Write32(word);
@@ -96,6 +99,81 @@ UInt32 ErrorReading(std::vector<UInt8> aBytes)
 {
     return ErrorOf([&] { ReadBack<XStorable>(std::move(aBytes)); });
 }
+
+// The rectangle object written after a volume in the tests of old forms: it reads back only
+// when the volume took exactly its own bytes.
+const XRect kFollower(10, 20, 13, 21);
+
+template <class V>
+std::unique_ptr<V> ReadWithFollower(XBytes & aBytes, XByteOrder anOrder)
+{
+    aBytes.Words({34, 34, 10, 20, 21, 13});
+    XTestMemoryStream stream(aBytes.Get(), anOrder);
+    std::unique_ptr<V> volume(stream.ReadObjectAs<V>());
+    std::unique_ptr<XRect> follower(stream.ReadObjectAs<XRect>());
+    EXPECT_TRUE(follower && *follower == kFollower);
+    EXPECT_EQ(stream.GetBytesLeft(), 0u);
+    return volume;
+}
+
+std::vector<UInt8> Samples(UInt16 aFirst, UInt16 aSecond, XByteOrder anOrder)
+{
+    XTestMemoryStream samples(anOrder);
+    samples.Write16(aFirst);
+    samples.Write16(aSecond);
+    return samples.GetBytes();
+}
+
+// A float as the bytes of memory: legacy voxels are stored as they lie in memory.
+std::vector<UInt8> FloatBytes(float aValue)
+{
+    std::vector<UInt8> bytes(sizeof aValue);
+    std::memcpy(bytes.data(), &aValue, sizeof aValue);
+    return bytes;
+}
+
+// The JPEG-compressed form after its class word: 7 by 2 by aDepth at (1, 2, 3), calibrations 1,
+// 2 and 0.5, row voxels 7, and unless the volume is empty a body of 5 bytes with its length;
+// then the rectangle object.
+XBytes & LossyBody(XBytes & aBytes, UInt32 aDepth)
+{
+    aBytes.Words({7, 2, aDepth, 1, 2, 3}).Doubles({1.0, 2.0, 0.5}).Words({7});
+    if (aDepth != 0)
+        aBytes.Words({5}).Byte(0xFF).Byte(0xD8).Byte(0xFF).Byte(0xE0).Byte(0);
+    return aBytes.Words({34, 34, 10, 20, 21, 13});
+}
+
+// Reads legacy JPEG colour images as a reader of deferred voxels does: through the stream
+// constructor, told to step over the JPEG body.
+class XSkipJPEGStream : public XTestMemoryStream
+{
+public:
+    using XTestMemoryStream::XTestMemoryStream;
+
+protected:
+    XStorable * ReadObject(XStorable::XOptions anOptions) override
+    {
+        const SInt64 start = GetPosition();
+        const XVersion word = ReadVersion();
+        if (word.GetClass() != XARGB32Volume::kLegacyLossyClassID)
+        {
+            SeekTo(start);
+            return XTestMemoryStream::ReadObject(anOptions);
+        }
+        PushObjectRead(word, true);
+        try
+        {
+            XStorable * volume = new XARGB32Volume(*this, true);
+            PopObjectRead();
+            return volume;
+        }
+        catch (...)
+        {
+            PopObjectRead();
+            throw;
+        }
+    }
+};
 } // namespace
 
 TEST(VolumeStream, EachClassWritesItsChainOfSections)
@@ -212,12 +290,6 @@ TEST(VolumeStream, LegacyImagesWithTheirRectangle)
     XBytes withTable;
     withTable.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words({23, 65559});
     EXPECT_NE(ErrorReading(withTable.Get()), 0u);
-
-    // A legacy colour image keeps its voxels as they were stored.
-    XBytes colour;
-    colour.Words({1, 0, 0, 1, 1}).Byte(1).Handle({9, 8, 7, 6}, false);
-    const auto argb = ReadBack<XARGB32Volume>(colour.Get());
-    EXPECT_EQ(XGetVoxels(*argb), std::vector<XARGB32Colour>{XARGB32Colour(9, 8, 7, 6)});
 }
 
 TEST(VolumeStream, LegacyMaskWasStoredInvertedWithPaddedRows)
@@ -231,22 +303,112 @@ TEST(VolumeStream, LegacyMaskWasStoredInvertedWithPaddedRows)
     EXPECT_EQ(mask->GetRowVoxels(), 3u);
 }
 
-TEST(VolumeStream, LegacyRGB48FromThreePlanes)
+TEST(VolumeStream, LegacyLevelWordIsReadWhenTheStreamHoldsOne)
 {
     for (XByteOrder order : {kLittleEndian, kBigEndian})
     {
-        XBytes bytes(order);
-        bytes.Words({6, 0, 0, 1, 2}).Byte(0).Words({0});
-        auto plane = [&](UInt16 a, UInt16 b) {
-            std::vector<UInt8> data(4);
-            XTestMemoryStream samples(order);
-            samples.Write16(a);
-            samples.Write16(b);
-            return samples.GetBytes();
-        };
-        bytes.Handle(plane(1, 2), false).Handle(plane(300, 400), false).Handle(plane(65535, 0), false);
-        const auto volume = ReadBack<XRGB48Volume>(bytes.Get(), order);
-        EXPECT_EQ(XGetVoxels(*volume), (std::vector<XRGB48Colour>{XRGB48Colour(1, 300, 65535), XRGB48Colour(2, 400, 0)}));
+        for (bool withWord : {false, true})
+        {
+            auto word = [&](UInt32 aWord) { return withWord ? std::vector<UInt32>{aWord} : std::vector<UInt32>{}; };
+            // 8-bit: rectangle 3 by 1, the voxels, the level word 104 version 1, a null table.
+            XBytes grey(order);
+            grey.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words(word(65640)).Words({0});
+            EXPECT_EQ(XGetVoxels(*ReadWithFollower<XGrey8Volume>(grey, order)), (std::vector<UInt8>{1, 2, 3}));
+            // Floating point: the level word 107 version 1, a null table.
+            XBytes real(order);
+            real.Words({2, 0, 0, 1, 1}).Byte(1).Handle(FloatBytes(-2.5f), false).Words(word(65643)).Words({0});
+            EXPECT_EQ(XGetVoxels(*ReadWithFollower<XFPVolume>(real, order)), std::vector<float>{-2.5f});
+            // 48-bit: rectangle 2 by 1, no voxels, the level word 112, a null handle, then red,
+            // green and blue as planes of samples in the stream's order.
+            XBytes rgb48(order);
+            rgb48.Words({6, 0, 0, 1, 2}).Byte(0).Words(word(112)).Words({0});
+            rgb48.Handle(Samples(1, 2, order), false).Handle(Samples(300, 400, order), false);
+            rgb48.Handle(Samples(65535, 0, order), false);
+            EXPECT_EQ(XGetVoxels(*ReadWithFollower<XRGB48Volume>(rgb48, order)),
+                      (std::vector<XRGB48Colour>{XRGB48Colour(1, 300, 65535), XRGB48Colour(2, 400, 0)}));
+            // The legacy JPEG colour image of no width carries no body, with or without its word.
+            XBytes empty(order);
+            empty.Words({514, 0, 0, 1, 0}).Byte(0).Words(word(66050));
+            EXPECT_EQ(ReadWithFollower<XARGB32Volume>(empty, order)->GetBounds(), X3DRect(0, 0, 0, 0, 1, 1));
+        }
+        // A plain colour image carries the word 108 after its voxels. Without it the word stands
+        // for 514, the JPEG form, which cannot hold plain voxels.
+        XBytes colour(order);
+        colour.Words({1, 0, 0, 1, 1}).Byte(1).Handle({9, 8, 7, 6}, false);
+        EXPECT_EQ(ErrorOf([&] { ReadBack<XARGB32Volume>(colour.Get(), order); }), UInt32(kErrDamagedStream));
+        colour.Words({108});
+        EXPECT_EQ(XGetVoxels(*ReadWithFollower<XARGB32Volume>(colour, order)),
+                  std::vector<XARGB32Colour>{XARGB32Colour(9, 8, 7, 6)});
+        // From version 2 the JPEG form has a length word before its body, so that a reader told
+        // to skip the voxels finds the end.
+        XBytes lossy(order);
+        lossy.Words({514, 0, 0, 1, 2}).Byte(0).Words({XVersion(514, 2).GetWord(), 3}).Byte(0xFF).Byte(0xD8).Byte(0xFF);
+        lossy.Words({34, 34, 10, 20, 21, 13});
+        XSkipJPEGStream stream(lossy.Get(), order);
+        std::unique_ptr<XARGB32Volume> skipped(stream.ReadObjectAs<XARGB32Volume>());
+        EXPECT_EQ(XGetVoxels(*skipped), std::vector<XARGB32Colour>(2, XARGB32Colour(0, 0, 0, 0)));
+        std::unique_ptr<XRect> follower(stream.ReadObjectAs<XRect>());
+        EXPECT_TRUE(follower && *follower == kFollower);
+    }
+}
+
+TEST(VolumeStream, LossyFormsArePreReadAsDesigned)
+{
+    for (XByteOrder order : {kLittleEndian, kBigEndian})
+    {
+        // The colour form of version 2 is read by the object reader: frame, zero voxels (the JPEG
+        // body of 5 bytes stepped over), and the rectangle that follows.
+        XBytes colour(order);
+        LossyBody(colour.Words({XVersion(12100, 2).GetWord()}), 1);
+        XTestMemoryStream stream(colour.Get(), order);
+        std::unique_ptr<XARGB32Volume> volume(stream.ReadObjectAs<XARGB32Volume>(XStorable::kSkipData));
+        EXPECT_EQ(volume->GetBounds(), X3DRect(1, 2, 3, 8, 4, 4));
+        EXPECT_EQ(volume->GetYCalibration(), 2.0);
+        EXPECT_EQ(volume->GetZCalibration(), 0.5);
+        EXPECT_EQ(XGetVoxels(*volume), std::vector<XARGB32Colour>(14, XARGB32Colour(0, 0, 0, 0)));
+        std::unique_ptr<XRect> follower(stream.ReadObjectAs<XRect>());
+        EXPECT_TRUE(follower && *follower == kFollower);
+
+        // An empty volume ends after its row voxels, and nothing is decoded in a normal read.
+        XBytes empty(order);
+        LossyBody(empty.Words({XVersion(12100, 2).GetWord()}), 0);
+        XTestMemoryStream emptyStream(empty.Get(), order);
+        EXPECT_EQ(std::unique_ptr<XARGB32Volume>(emptyStream.ReadObjectAs<XARGB32Volume>())->GetBounds(),
+                  X3DRect(1, 2, 3, 8, 4, 3));
+        EXPECT_TRUE(std::unique_ptr<XRect>(emptyStream.ReadObjectAs<XRect>()) != nullptr);
+
+        // Kept as designed: the colour form of version 1 and the grey form 12101 go on to the
+        // ordinary chain, which finds the width 7 where the volume's word should be.
+        XBytes oldColour(order);
+        LossyBody(oldColour.Words({XVersion(12100, 1).GetWord()}), 1);
+        EXPECT_EQ(ErrorOf([&] { ReadBack<XStorable>(oldColour.Get(), order); }), 1005u);
+        XBytes grey(order);
+        LossyBody(grey.Words({XVersion(12101, 1).GetWord()}), 1);
+        EXPECT_EQ(ErrorOf([&] { ReadBack<XStorable>(grey.Get(), order); }), 1005u);
+
+        // Called directly: the grey volume takes the colour word 12100 and not its own; the
+        // colour volume looks at the word of the object being read, and there is none.
+        XBytes body(order);
+        LossyBody(body, 1);
+        XTestMemoryStream direct(body.Get(), order);
+        XGrey8Volume ownWord;
+        EXPECT_TRUE(ownWord.PreReadStream(direct, XVersion(12101, 1), XStorable::kSkipData));
+        XARGB32Volume noObject;
+        EXPECT_TRUE(noObject.PreReadStream(direct, XVersion(12100, 2), XStorable::kSkipData));
+        EXPECT_EQ(direct.GetPosition(), 0);
+        XGrey8Volume colourWord;
+        EXPECT_FALSE(colourWord.PreReadStream(direct, XVersion(12100, 1), XStorable::kSkipData));
+        EXPECT_EQ(colourWord.GetBounds(), X3DRect(1, 2, 3, 8, 4, 4));
+        EXPECT_EQ(XGetVoxels(colourWord), std::vector<UInt8>(14, 0));
+        follower.reset(direct.ReadObjectAs<XRect>());
+        EXPECT_TRUE(follower && *follower == kFollower);
+
+        // A body longer than the stream.
+        XBytes cut(order);
+        cut.Words({7, 2, 1, 1, 2, 3}).Doubles({1.0, 2.0, 0.5}).Words({7, 1000});
+        XTestMemoryStream cutStream(cut.Get(), order);
+        EXPECT_EQ(ErrorOf([&] { XGrey8Volume().PreReadStream(cutStream, XVersion(12100, 1), XStorable::kSkipData); }),
+                  UInt32(kErrDamagedStream));
     }
 }
 
