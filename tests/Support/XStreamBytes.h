@@ -24,6 +24,16 @@ public:
             itsStream.WriteFloat64S(value);
         return *this;
     }
+    XStreamBytes & Byte(UInt8 aValue)
+    {
+        itsStream.Write8(aValue);
+        return *this;
+    }
+    XStreamBytes & Bytes(const std::vector<UInt8> & aBytes)
+    {
+        itsStream.WriteBuffer8(aBytes.data(), aBytes.size());
+        return *this;
+    }
     // A memory-handle object (class word 33) holding aData uncompressed.
     XStreamBytes & Handle(const std::vector<UInt8> & aData)
     {
