@@ -201,8 +201,8 @@ float XVectorMathToolImp::VectorFindMinValue(const float * a, UInt64 n)
 void XVectorMathToolImp::VectorFindMinMaxValue(const float * a, float & outMin, float & outMax,
                                                UInt64 n)
 {
-    outMin = VectorFindMinValue(a, n);
-    outMax = VectorFindMaxValue(a, n);
+    outMin = XVectorMathToolImp::VectorFindMinValue(a, n);
+    outMax = XVectorMathToolImp::VectorFindMaxValue(a, n);
 }
 
 void XVectorMathToolImp::VectorReciprocal(const float * a, float * o, UInt64 n)
@@ -236,7 +236,7 @@ void XVectorMathToolImp::VectorWeightedEntropy(const float * a, float & outEntro
                                                float & outWeight, UInt64 n)
 {
     outEntropy = Accumulate<float>(n, [=](UInt64 i) { return FastLn(a[i]) * a[i]; });
-    outWeight = VectorSum(a, n);
+    outWeight = XVectorMathToolImp::VectorSum(a, n);
 }
 
 void XVectorMathToolImp::VectorWeightedEntropy64(const float * a, double & outEntropy,

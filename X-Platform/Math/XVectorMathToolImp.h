@@ -11,6 +11,12 @@
 //
 // The virtual operations are declared in the order of the library's table of operations,
 // numbered below.
+//
+// The logarithm, entropy and search kernels (19, 32, 33, 39 to 42, 45, 46) give these loops'
+// bits on every implementation, and so does every ...64 operation on WSSEVectorMathToolImp.
+// So no body here calls a virtual operation: a processor's VectorSum or VectorDotProduct sums
+// in another order, and a call through it would change the last bits of those kernels. Reuse
+// a loop of this class by its qualified name (XVectorMathToolImp::VectorSum).
 
 #include <bit>
 #include <cstdint>

@@ -4,24 +4,18 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <cstring>
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <vector>
 
-#include "XAssert.h"
 #include "XException.h"
 #include "XFileDataFetcher.h"
 #include "XLock.h"
 #include "XMemoryHandle.h"
-#include "XTestSupport.h"
+#include "XFoundationTestSupport.h"
 
 namespace
 {
-
 // A plain lockable with counting hooks.
 class XTestLockable : public XLockable
 {
@@ -40,7 +34,7 @@ protected:
     void UnlockSelf(XLockMode) const override { ++itsUnlocks; }
 };
 
-// Fills a memory handle with a byte pattern; counts its runs.
+// Fills a memory handle with the bytes aSeed, aSeed + 1, ...; counts its runs and can fail first.
 class XPatternFetcher : public XDataFetcher
 {
 public:
@@ -58,12 +52,8 @@ protected:
             throw XException(kErrFileIO, "not yet");
         }
         XMemoryHandle loaded(itsSize);
-        {
-            XLock lock(loaded, kLockWrite);
-            auto * bytes = static_cast<UInt8 *>(loaded.GetData());
-            for (UInt64 i = 0; i < itsSize; ++i)
-                bytes[i] = UInt8(itsSeed + i);
-        }
+        for (UInt64 i = 0; i < itsSize; ++i)
+            loaded.SetByte(i, UInt8(itsSeed + i));
         dynamic_cast<XMemoryHandle &>(aTarget) = loaded;
     }
 
@@ -88,14 +78,18 @@ protected:
     void LockSelf(XLockMode aMode) const override { LockFor(itsStorage, aMode); }
     void UnlockSelf(XLockMode aMode) const override { UnlockFor(itsStorage, aMode); }
 };
+
+const UInt8 * Bytes(const XMemoryHandle & aHandle)
+{
+    return static_cast<const UInt8 *>(aHandle.GetData());
+}
 } // namespace
 
-TEST(LockTest, NestingOnOneThread)
+TEST(LockTest, NestingOnOneThreadAndTheWriteInsideOwnRead)
 {
     XTestLockable data;
     {
         XLock write(data, kLockReadWrite);
-        EXPECT_TRUE(data.IsWriteLockedByCurrentThread());
         {
             XLock readInsideWrite(data, kLockRead);
             XLock writeInsideWrite(data, kLockWrite);
@@ -107,36 +101,24 @@ TEST(LockTest, NestingOnOneThread)
     {
         XLock read(data, kLockRead);
         XLock readInsideRead(data, kLockRead);
-        EXPECT_TRUE(data.IsLocked());
         EXPECT_FALSE(data.IsWriteLockedByCurrentThread());
     }
     EXPECT_FALSE(data.IsLocked());
     EXPECT_EQ(data.itsLocks.load(), 6);
     EXPECT_EQ(data.itsUnlocks.load(), 6);
-}
 
-TEST(LockTest, WriteInsideOwnReadIsReported)
-{
-    XTestLockable data;
+    // A write asked inside one's own read would wait for ever: it is reported instead.
     XLock read(data, kLockRead);
-    try
-    {
-        XLock write(data, kLockReadWrite);
-        FAIL() << "a write inside one's own read was granted";
-    }
-    catch (const XInternalError & anError)
-    {
-        EXPECT_EQ(anError.GetExpression(),
-                  "write lock asked by a thread that holds a read lock on the same data");
-    }
+    EXPECT_EQ(AssertionOf([&] { XLock write(data, kLockReadWrite); }),
+              "write lock asked by a thread that holds a read lock on the same data");
     EXPECT_THROW(XLock(data, kLockWrite), XInternalError);
-    // The read is still held and ends normally.
-    EXPECT_TRUE(data.IsLocked());
+    EXPECT_TRUE(data.IsLocked()); // the read is still held and ends normally
     XLock second(data, kLockRead);
 }
 
-TEST(LockTest, ReadersHoldTheLockTogether)
+TEST(LockTest, ReadersShareWritersWaitForOtherThreads)
 {
+    // Every reader is inside at the same time.
     XTestLockable data;
     constexpr int kReaders = 4;
     XTestGate inside;
@@ -148,22 +130,16 @@ TEST(LockTest, ReadersHoldTheLockTogether)
             inside.Arrive();
             release.WaitFor(1);
         });
-    // Every reader is inside at the same time.
     EXPECT_TRUE(inside.WaitFor(kReaders));
     release.Arrive();
     for (std::thread & thread : threads)
         thread.join();
-    EXPECT_FALSE(data.IsLocked());
-}
 
-TEST(LockTest, WriterWaitsForReaderOfAnotherThread)
-{
-    XTestLockable data;
+    // A writer waits for another thread's read, without a report.
     int value = 0;
+    int seenByWriter = -1;
     XTestGate readerIn;
     XTestGate writerAsking;
-    XTestGate writerDone;
-    int seenByWriter = -1;
     std::thread reader([&] {
         XLock lock(data, kLockRead);
         readerIn.Arrive();
@@ -173,14 +149,29 @@ TEST(LockTest, WriterWaitsForReaderOfAnotherThread)
     ASSERT_TRUE(readerIn.WaitFor(1));
     std::thread writer([&] {
         writerAsking.Arrive();
-        XLock lock(data, kLockReadWrite); // another thread's read: wait, no report
+        XLock lock(data, kLockReadWrite);
         seenByWriter = value;
-        writerDone.Arrive();
     });
-    EXPECT_TRUE(writerDone.WaitFor(1));
     reader.join();
     writer.join();
     EXPECT_EQ(seenByWriter, 7);
+
+    // A reader is let in after the writer.
+    XMemoryHandle handle(4);
+    XTestGate readerAsking;
+    UInt8 seen = 0;
+    {
+        XLock write(handle, kLockReadWrite);
+        reader = std::thread([&] {
+            readerAsking.Arrive();
+            XLock read(handle, kLockRead);
+            seen = Bytes(handle)[0];
+        });
+        ASSERT_TRUE(readerAsking.WaitFor(1));
+        static_cast<UInt8 *>(handle.GetData())[0] = 42; // the reader cannot have read yet
+    }
+    reader.join();
+    EXPECT_EQ(seen, 42);
 }
 
 TEST(LockTest, WritersExcludeEveryone)
@@ -190,78 +181,41 @@ TEST(LockTest, WritersExcludeEveryone)
     std::atomic<int> readersInside{0};
     std::atomic<int> violations{0};
     UInt64 counter = 0; // changed only under the write lock
-    constexpr int kThreads = 4;
+    std::atomic<UInt64> writes{0};
     constexpr int kRounds = 2000;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < kRounds; ++i)
-            {
-                if ((i + t) % 3 == 0)
-                {
-                    XLock lock(data, kLockRead);
-                    ++readersInside;
-                    if (writersInside.load() != 0)
-                        ++violations;
-                    --readersInside;
-                }
-                else
-                {
-                    XLock lock(data, (i & 1) ? kLockReadWrite : kLockWrite);
-                    if (writersInside.fetch_add(1) != 0 || readersInside.load() != 0)
-                        ++violations;
-                    ++counter;
-                    {
-                        XLock nested(data, kLockRead); // nesting under contention
-                    }
-                    --writersInside;
-                }
-            }
-        });
-    for (std::thread & thread : threads)
-        thread.join();
-    EXPECT_EQ(violations.load(), 0);
-    UInt64 writes = 0;
-    for (int t = 0; t < kThreads; ++t)
+    RunOnThreads(4, [&](int t) {
         for (int i = 0; i < kRounds; ++i)
-            writes += (i + t) % 3 != 0;
-    EXPECT_EQ(counter, writes);
+        {
+            if ((i + t) % 3 == 0)
+            {
+                XLock lock(data, kLockRead);
+                ++readersInside;
+                violations += writersInside.load() != 0;
+                --readersInside;
+                continue;
+            }
+            XLock lock(data, (i & 1) ? kLockReadWrite : kLockWrite);
+            violations += writersInside.fetch_add(1) != 0 || readersInside.load() != 0;
+            ++counter;
+            ++writes;
+            XLock nested(data, kLockRead); // nesting under contention
+            --writersInside;
+        }
+    });
+    EXPECT_EQ(violations.load(), 0);
+    EXPECT_EQ(counter, writes.load());
     EXPECT_FALSE(data.IsLocked());
 }
 
-TEST(LockTest, ReaderIsLetInAfterTheWriter)
+TEST(LockTest, FetcherRunsOnceRetriesAfterAFailureAndAgainAfterPurge)
 {
-    XMemoryHandle data(4);
-    XTestGate readerAsking;
-    XTestGate readerDone;
-    UInt8 seen = 0;
-    std::thread reader;
-    {
-        XLock write(data, kLockReadWrite);
-        reader = std::thread([&] {
-            readerAsking.Arrive();
-            XLock read(data, kLockRead);
-            seen = static_cast<const UInt8 *>(data.GetData())[0];
-            readerDone.Arrive();
-        });
-        ASSERT_TRUE(readerAsking.WaitFor(1));
-        static_cast<UInt8 *>(data.GetData())[0] = 42; // the reader cannot have read yet
-    }
-    EXPECT_TRUE(readerDone.WaitFor(1));
-    reader.join();
-    EXPECT_EQ(seen, 42);
-}
-
-TEST(LockTest, FailuresInLockSelfAndFetchRelease)
-{
-    XTestLockable data;
-    data.itsThrowInLockSelf = true;
-    EXPECT_THROW(XLock(data, kLockReadWrite), XException);
-    EXPECT_FALSE(data.IsLocked());
-    data.itsThrowInLockSelf = false;
+    XTestLockable refusing;
+    refusing.itsThrowInLockSelf = true;
+    EXPECT_THROW(XLock(refusing, kLockReadWrite), XException);
+    EXPECT_FALSE(refusing.IsLocked());
 
     XMemoryHandle handle;
-    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(8, 1));
+    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(100, 10));
     fetcher->itsFailuresLeft = 1;
     handle.SetDataFetcher(fetcher.Get());
     EXPECT_THROW(XLock(handle, kLockRead), XException);
@@ -269,38 +223,21 @@ TEST(LockTest, FailuresInLockSelfAndFetchRelease)
     EXPECT_FALSE(handle.IsDataFetched());
     {
         XLock lock(handle, kLockRead); // tries again
-        EXPECT_EQ(static_cast<const UInt8 *>(handle.GetData())[7], 8);
-    }
-    EXPECT_EQ(fetcher->itsRuns.load(), 2);
-}
-
-TEST(LockTest, FetcherRunsOnceAndAgainAfterPurge)
-{
-    XMemoryHandle handle;
-    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(100, 10));
-    handle.SetDataFetcher(fetcher.Get());
-    EXPECT_FALSE(handle.IsDataFetched());
-    EXPECT_EQ(fetcher->itsRuns.load(), 0);
-    {
-        XLock lock(handle, kLockRead);
         EXPECT_EQ(handle.GetDataSize(), 100u);
-        EXPECT_EQ(static_cast<const UInt8 *>(handle.GetData())[5], 15);
+        EXPECT_EQ(Bytes(handle)[5], 15);
     }
-    {
-        XLock lock(handle, kLockRead);
-    }
-    EXPECT_EQ(fetcher->itsRuns.load(), 1);
-    EXPECT_EQ(handle.GetDataFetcher(), fetcher.Get()); // filling by assignment kept it
-
     {
         XLock lock(handle, kLockRead);
         EXPECT_FALSE(handle.Purge()); // locked
     }
+    EXPECT_EQ(fetcher->itsRuns.load(), 2);
+    EXPECT_EQ(handle.GetDataFetcher(), fetcher.Get()); // filling by assignment kept it
+
     EXPECT_TRUE(handle.Purge());
     EXPECT_FALSE(handle.HasBlock());
     EXPECT_EQ(handle.GetDataSize(), 100u);
     EXPECT_EQ(handle.GetByte(99), UInt8(10 + 99));
-    EXPECT_EQ(fetcher->itsRuns.load(), 2);
+    EXPECT_EQ(fetcher->itsRuns.load(), 3);
 
     // A write makes the bytes the handle's own: the fetcher goes and Purge refuses.
     handle.SetByte(0, 0xEE);
@@ -348,33 +285,24 @@ TEST(LockTest, PurgeLeavesARunningFetchAlone)
     EXPECT_EQ(fetcher->itsRuns.load(), 3);
 }
 
-TEST(LockTest, FirstLocksOnManyThreadsFetchOnce)
+TEST(LockTest, FirstLocksOnManyThreadsFetchOnceAndCopiesShareTheFetcher)
 {
-    XMemoryHandle handle;
-    XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(4096, 0));
-    handle.SetDataFetcher(fetcher.Get());
+    XMemoryHandle shared;
+    XRefPtr<XPatternFetcher> once(new XPatternFetcher(4096, 0));
+    shared.SetDataFetcher(once.Get());
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            XLock lock(handle, kLockRead);
-            const auto * bytes = static_cast<const UInt8 *>(handle.GetData());
-            for (UInt64 i = 0; i < 4096; ++i)
-                wrong += bytes[i] != UInt8(i);
-        });
-    for (std::thread & thread : threads)
-        thread.join();
-    EXPECT_EQ(fetcher->itsRuns.load(), 1);
+    RunOnThreads(4, [&](int) {
+        XLock lock(shared, kLockRead);
+        for (UInt64 i = 0; i < 4096; ++i)
+            wrong += Bytes(shared)[i] != UInt8(i);
+    });
+    EXPECT_EQ(once->itsRuns.load(), 1);
     EXPECT_EQ(wrong.load(), 0);
-}
 
-TEST(LockTest, CopiesShareTheFetcher)
-{
     XMemoryHandle handle;
     XRefPtr<XPatternFetcher> fetcher(new XPatternFetcher(16, 100));
     handle.SetDataFetcher(fetcher.Get());
     XMemoryHandle copy(handle); // not fetched yet: the copy fetches on its own
-    EXPECT_EQ(copy.GetDataFetcher(), fetcher.Get());
     EXPECT_EQ(fetcher->GetReferenceCount(), 3u);
     EXPECT_EQ(copy.GetByte(3), 103);
     EXPECT_EQ(handle.GetByte(3), 103);
@@ -388,36 +316,31 @@ TEST(LockTest, CopiesShareTheFetcher)
     EXPECT_EQ(fetcher->GetReferenceCount(), 3u);
 }
 
-TEST(LockTest, FileDataFetcherAsksTheCacheFirst)
+TEST(LockTest, FileDataFetcherAsksItsCacheBeforeTheFile)
 {
+    // Its file "holds" three bytes; what it read once it keeps as its cache.
     class XCachingFetcher : public XFileDataFetcher
     {
     public:
         XCachingFetcher() : XFileDataFetcher(XFileSpec("/nonexistent/data.bin")) {}
-        int itsFileLoads = 0;
-        XString itsPathAsked;
+        std::string itsFilesRead;
+        XMemoryHandle itsCache;
 
     protected:
         bool LoadDataFromCache(XLockable & aTarget) override
         {
-            if (!itsCache)
-                return false;
-            dynamic_cast<XMemoryHandle &>(aTarget) = *itsCache;
-            return true;
+            if (itsCache.GetDataSize() != 0)
+                dynamic_cast<XMemoryHandle &>(aTarget) = itsCache;
+            return itsCache.GetDataSize() != 0;
         }
         void LoadFromFile(const XFileSpec & aFileSpec, XLockable & aTarget) override
         {
-            ++itsFileLoads;
-            itsPathAsked = aFileSpec.GetPath();
-            itsCache = std::make_unique<XMemoryHandle>(3);
-            itsCache->SetByte(2, 9);
-            LoadDataFromCache(aTarget);
+            itsFilesRead += aFileSpec.GetPath().GetStdString();
+            itsCache = XMemoryHandle(3);
+            itsCache.SetByte(2, 9);
+            dynamic_cast<XMemoryHandle &>(aTarget) = itsCache;
         }
-
-    private:
-        std::unique_ptr<XMemoryHandle> itsCache;
     };
-
     XRefPtr<XCachingFetcher> fetcher(new XCachingFetcher);
     XMemoryHandle first;
     XMemoryHandle second;
@@ -425,8 +348,7 @@ TEST(LockTest, FileDataFetcherAsksTheCacheFirst)
     second.SetDataFetcher(fetcher.Get());
     EXPECT_EQ(first.GetByte(2), 9);
     EXPECT_EQ(second.GetByte(2), 9);
-    EXPECT_EQ(fetcher->itsFileLoads, 1);
-    EXPECT_EQ(fetcher->itsPathAsked, XString("/nonexistent/data.bin"));
+    EXPECT_EQ(fetcher->itsFilesRead, "/nonexistent/data.bin"); // once
     EXPECT_TRUE(first.IsShared()); // both share the cached block
 }
 
@@ -436,7 +358,6 @@ TEST(LockTest, OwnerPassesItsLockToTheHandle)
     owner.itsStorage = XMemoryHandle(8);
     owner.itsStorage.SetByte(0, 5);
     XMemoryHandle outside(owner.itsStorage);
-    EXPECT_TRUE(outside.IsShared());
     {
         XLock lock(owner, kLockReadWrite); // unshares the owned handle, contents copied
         EXPECT_FALSE(owner.itsStorage.IsShared());
@@ -455,7 +376,7 @@ TEST(LockTest, OwnerPassesItsLockToTheHandle)
     lazy.itsStorage.SetDataFetcher(fetcher.Get());
     {
         XLock lock(lazy, kLockRead);
-        EXPECT_EQ(static_cast<const UInt8 *>(lazy.itsStorage.GetData())[1], 21);
+        EXPECT_EQ(Bytes(lazy.itsStorage)[1], 21);
     }
     EXPECT_EQ(fetcher->itsRuns.load(), 1);
 }

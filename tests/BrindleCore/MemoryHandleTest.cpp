@@ -1,31 +1,30 @@
 // Memory handles: value semantics and copy-on-write under each lock mode, sizes, contents,
 // swap on lock, allocation limits, the stream form (raw and deflated, damaged and absurd
-// headers, skipped data), the header probe, and the heap image.
+// headers, skipped data), the header probe, the heap image, handles over mapped files, and
+// deflate to and from handles.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <condition_variable>
 #include <cstring>
-#include <functional>
 #include <memory>
-#include <mutex>
+#include <random>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include "XByteSwap.h"
-
 #include "XClassRegistry.h"
-#include "XException.h"
-#include "XFileStream.h"
+#include "XFile.h"
+#include "XFoundationTestSupport.h"
 #include "XLock.h"
+#include "XMappedFileMemoryHandle.h"
 #include "XMemoryHandle.h"
 #include "XMemoryManager.h"
 #include "XTestMemoryStream.h"
-#include "XTestSupport.h"
+#include "XZCompressor.h"
+#include "XZDecompressor.h"
 
 namespace
 {
@@ -40,40 +39,40 @@ XMemoryHandle Pattern(UInt64 aSize, UInt8 aSeed = 1)
     return handle;
 }
 
-const UInt8 * BytesOf(const XMemoryHandle & aHandle)
+const void * BlockOf(const XMemoryHandle & aHandle)
 {
-    return static_cast<const UInt8 *>(aHandle.GetData());
+    XLock lock(aHandle, kLockRead);
+    return aHandle.GetData();
+}
+
+UInt8 * WritableBytes(XMemoryHandle & aHandle)
+{
+    return static_cast<UInt8 *>(aHandle.GetData());
 }
 
 // The bytes of one handle written as an object.
-std::vector<UInt8> Written(const XMemoryHandle & aHandle,
-                           XByteOrder anOrder = GetByteOrderFromPlatform())
+std::vector<UInt8> Written(const XMemoryHandle & aHandle, XByteOrder anOrder = GetByteOrderFromPlatform())
 {
     XTestMemoryStream stream(anOrder);
     stream.WriteObject(aHandle);
     return stream.GetBytes();
 }
 
-XMemoryHandle ReadBack(std::vector<UInt8> aBytes, XStorable::XOptions anOptions = 0,
-                       XByteOrder anOrder = GetByteOrderFromPlatform())
+XMemoryHandle ReadBack(std::vector<UInt8> aBytes, XByteOrder anOrder = GetByteOrderFromPlatform())
 {
     XMemoryHandle::RegisterClass();
     XTestMemoryStream stream(std::move(aBytes), anOrder);
-    std::unique_ptr<XMemoryHandle> handle(stream.ReadObjectAs<XMemoryHandle>(anOptions));
+    std::unique_ptr<XMemoryHandle> handle(stream.ReadObjectAs<XMemoryHandle>());
     if (!handle)
         throw std::runtime_error("null object");
     return *handle;
 }
 
-// Puts a 64-bit little-endian number at anOffset (streams in tests use the platform's order,
-// which is little-endian on this port's targets).
-void Poke64(std::vector<UInt8> & aBytes, std::size_t anOffset, UInt64 aValue)
+// A copy of aBytes with aWidth bytes of aValue, in the platform's (little-endian) order, at anOffset.
+std::vector<UInt8> Poked(std::vector<UInt8> aBytes, std::size_t anOffset, UInt64 aValue, std::size_t aWidth = 8)
 {
-    std::memcpy(aBytes.data() + anOffset, &aValue, 8);
-}
-void Poke32(std::vector<UInt8> & aBytes, std::size_t anOffset, UInt32 aValue)
-{
-    std::memcpy(aBytes.data() + anOffset, &aValue, 4);
+    std::memcpy(aBytes.data() + anOffset, &aValue, aWidth);
+    return aBytes;
 }
 
 // Offsets in a handle written as an object: object word, level word, size, compression,
@@ -82,45 +81,41 @@ constexpr std::size_t kSizeAt = 8;
 constexpr std::size_t kTypeAt = 16;
 constexpr std::size_t kStoredAt = 20;
 constexpr std::size_t kDataAt = 28;
-} // namespace
 
-TEST(MemoryHandleTest, NewHandlesAreZeroAlignedAndPadded)
+// A file of kFileSize known bytes for the mapped handles.
+constexpr UInt64 kFileSize = 3 * 4096 + 500;
+UInt8 FileByte(UInt64 anOffset)
 {
-    for (UInt64 size : {UInt64(1), UInt64(63), UInt64(64), UInt64(1000), UInt64(5) << 20})
-    {
-        XMemoryHandle handle(size);
-        EXPECT_EQ(handle.GetDataSize(), size);
-        EXPECT_GE(handle.GetPaddedSize(), size);
-        EXPECT_EQ(handle.GetPaddedSize() % 64, 0u);
-        EXPECT_GE(handle.GetAddressSpaceMetric(), size);
-        XLock lock(handle, kLockRead);
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(handle.GetData()) % 64, 0u);
-        const UInt8 * bytes = BytesOf(handle);
-        EXPECT_TRUE(std::all_of(bytes, bytes + size, [](UInt8 aByte) { return aByte == 0; }));
-    }
-    XMemoryHandle empty;
-    EXPECT_EQ(empty.GetDataSize(), 0u);
-    EXPECT_EQ(empty.GetPaddedSize(), 0u);
-    EXPECT_EQ(empty.GetData(), nullptr);
-    XLock lock(empty, kLockReadWrite); // locking nothing is fine
+    return UInt8(anOffset * 13 + anOffset / 256);
 }
+XFileSpec MakeFile(const XTemporaryFolder & aFolder)
+{
+    std::vector<UInt8> bytes(kFileSize);
+    for (UInt64 i = 0; i < kFileSize; ++i)
+        bytes[i] = FileByte(i);
+    XFile(aFolder.Spec("mapped"), kCreate).WriteAt(0, bytes.data(), bytes.size());
+    return aFolder.Spec("mapped");
+}
+
+std::vector<UInt8> Sample(std::size_t aSize, bool aRandom)
+{
+    std::vector<UInt8> bytes(aSize);
+    std::mt19937 random(42);
+    for (std::size_t i = 0; i < aSize; ++i)
+        bytes[i] = aRandom ? UInt8(random()) : UInt8((i / 100) % 7);
+    return bytes;
+}
+} // namespace
 
 TEST(MemoryHandleTest, CopyOnWriteUnderEachMode)
 {
     XMemoryHandle original = Pattern(256);
-    const void * block = nullptr;
-    {
-        XLock lock(original, kLockRead);
-        block = original.GetData();
-    }
+    const void * block = BlockOf(original);
 
     // Mode 2 keeps sharing.
     XMemoryHandle reader(original);
     EXPECT_TRUE(reader.IsShared());
-    {
-        XLock lock(reader, kLockRead);
-        EXPECT_EQ(reader.GetData(), block);
-    }
+    EXPECT_EQ(BlockOf(reader), block);
     EXPECT_TRUE(original.IsShared());
 
     // Mode 1 gets a block of its own with the contents.
@@ -129,7 +124,7 @@ TEST(MemoryHandleTest, CopyOnWriteUnderEachMode)
         XLock lock(editor, kLockReadWrite);
         EXPECT_NE(editor.GetData(), block);
         EXPECT_EQ(std::memcmp(editor.GetData(), block, 256), 0);
-        static_cast<UInt8 *>(editor.GetData())[10] = 0xFF;
+        WritableBytes(editor)[10] = 0xFF;
     }
     EXPECT_FALSE(editor.IsShared());
     EXPECT_EQ(editor.GetByte(10), 0xFF);
@@ -144,7 +139,6 @@ TEST(MemoryHandleTest, CopyOnWriteUnderEachMode)
     }
     EXPECT_EQ(writer.GetByte(0), 0xAB);
     EXPECT_EQ(original.GetByte(0), 1);
-    EXPECT_EQ(reader.GetByte(0), 1);
 
     // The original, shared with reader only now, unshares in its turn.
     original.SetByte(0, 77);
@@ -152,10 +146,7 @@ TEST(MemoryHandleTest, CopyOnWriteUnderEachMode)
     EXPECT_FALSE(reader.IsShared());
 
     // A sole owner writes in place.
-    {
-        XLock lock(editor, kLockRead);
-        block = editor.GetData();
-    }
+    block = BlockOf(editor);
     XLock lock(editor, kLockReadWrite);
     EXPECT_EQ(editor.GetData(), block);
 }
@@ -166,12 +157,12 @@ TEST(MemoryHandleTest, CopiesMadeDuringAWriteAreIndependent)
     XMemoryHandle assigned(8);
     {
         XLock lock(original, kLockReadWrite);
-        static_cast<UInt8 *>(original.GetData())[0] = 1;
+        WritableBytes(original)[0] = 1;
         XMemoryHandle copy(original);
         assigned = original;
         EXPECT_FALSE(copy.IsShared());
         EXPECT_FALSE(assigned.IsShared());
-        static_cast<UInt8 *>(original.GetData())[0] = 2;
+        WritableBytes(original)[0] = 2;
         EXPECT_EQ(copy.GetByte(0), 1);
         EXPECT_EQ(copy.GetByte(63), UInt8(63 * 7 + 1));
     }
@@ -179,28 +170,18 @@ TEST(MemoryHandleTest, CopiesMadeDuringAWriteAreIndependent)
     EXPECT_EQ(original.GetByte(0), 2);
 
     // The same when the writer is another thread, copied while it holds the lock.
-    std::mutex mutex;
-    std::condition_variable condition;
-    int step = 0;
-    auto waitFor = [&](int aStep) {
-        std::unique_lock<std::mutex> guard(mutex);
-        return condition.wait_for(guard, std::chrono::seconds(20), [&] { return step >= aStep; });
-    };
-    auto advance = [&](int aStep) {
-        std::lock_guard<std::mutex> guard(mutex);
-        step = aStep;
-        condition.notify_all();
-    };
+    XTestGate written;
+    XTestGate copied;
     std::thread writer([&] {
         XLock lock(original, kLockReadWrite);
-        static_cast<UInt8 *>(original.GetData())[0] = 3;
-        advance(1);
-        waitFor(2);
-        static_cast<UInt8 *>(original.GetData())[0] = 4;
+        WritableBytes(original)[0] = 3;
+        written.Arrive();
+        copied.WaitFor(1);
+        WritableBytes(original)[0] = 4;
     });
-    ASSERT_TRUE(waitFor(1));
+    ASSERT_TRUE(written.WaitFor(1));
     XMemoryHandle snapshot(original);
-    advance(2);
+    copied.Arrive();
     writer.join();
     EXPECT_EQ(snapshot.GetByte(0), 3);
     EXPECT_EQ(original.GetByte(0), 4);
@@ -212,50 +193,34 @@ TEST(MemoryHandleTest, CopiesMadeDuringAWriteAreIndependent)
         XLock lock(target, kLockReadWrite);
         target = source;
         EXPECT_FALSE(source.IsShared());
-        static_cast<UInt8 *>(target.GetData())[0] = 0;
+        WritableBytes(target)[0] = 0;
     }
     EXPECT_EQ(source.GetByte(0), 50);
     EXPECT_EQ(target.GetByte(0), 0);
     EXPECT_EQ(target.GetByte(1), 57);
 }
 
-TEST(MemoryHandleTest, MoveLeavesTheSourceEmpty)
+TEST(MemoryHandleTest, MoveResizeReserveEmpty)
 {
-    XMemoryHandle source = Pattern(32);
-    XMemoryHandle moved(std::move(source));
+    XMemoryHandle source = Pattern(100);
+    XMemoryHandle handle(std::move(source));
     EXPECT_EQ(source.GetDataSize(), 0u); // NOLINT: checking the moved-from state
     EXPECT_FALSE(source.HasBlock());
-    EXPECT_EQ(moved.GetByte(31), UInt8(31 * 7 + 1));
-    XMemoryHandle target(4);
-    target = std::move(moved);
-    EXPECT_EQ(target.GetDataSize(), 32u);
-    EXPECT_EQ(moved.GetDataSize(), 0u); // NOLINT
-}
-
-TEST(MemoryHandleTest, ResizeReserveEmpty)
-{
-    XMemoryHandle handle = Pattern(100);
     const UInt64 padded = handle.GetPaddedSize();
     ASSERT_GE(padded, 128u);
-    const void * block = nullptr;
-    {
-        XLock lock(handle, kLockRead);
-        block = handle.GetData();
-    }
+    const void * block = BlockOf(handle);
     handle.Resize(40);
-    EXPECT_EQ(handle.GetDataSize(), 40u);
     // Growing within the padded size keeps the block; the new bytes are zero.
     handle.Resize(padded);
     {
         XLock lock(handle, kLockRead);
         EXPECT_EQ(handle.GetData(), block);
-        EXPECT_EQ(BytesOf(handle)[39], UInt8(39 * 7 + 1));
-        for (UInt64 i = 40; i < padded; ++i)
-            ASSERT_EQ(BytesOf(handle)[i], 0) << i;
+        const auto * bytes = static_cast<const UInt8 *>(handle.GetData());
+        EXPECT_EQ(bytes[39], UInt8(39 * 7 + 1));
+        EXPECT_TRUE(std::all_of(bytes + 40, bytes + padded, [](UInt8 aByte) { return aByte == 0; }));
     }
     // Growing beyond it moves the bytes.
     handle.Resize(10000);
-    EXPECT_EQ(handle.GetByte(0), 1);
     EXPECT_EQ(handle.GetByte(39), UInt8(39 * 7 + 1));
     EXPECT_EQ(handle.GetByte(9999), 0);
 
@@ -279,6 +244,11 @@ TEST(MemoryHandleTest, ResizeReserveEmpty)
     large.Resize(100); // far below a quarter: a small block replaces the large one
     EXPECT_LT(large.GetPaddedSize(), UInt64(1) << 20);
     EXPECT_EQ(large.GetByte(99), UInt8(99 * 7 + 3));
+    // A move by assignment.
+    XMemoryHandle target(4);
+    target = std::move(large);
+    EXPECT_EQ(target.GetDataSize(), 100u);
+    EXPECT_EQ(large.GetDataSize(), 0u); // NOLINT
 
     handle.Empty();
     EXPECT_EQ(handle.GetDataSize(), 0u);
@@ -287,11 +257,28 @@ TEST(MemoryHandleTest, ResizeReserveEmpty)
     EXPECT_EQ(handle.GetByte(2), 0);
 }
 
-TEST(MemoryHandleTest, ContentOperations)
+TEST(MemoryHandleTest, NewHandlesContentOperationsAndAbsurdSizes)
 {
+    // New blocks are zero, aligned and padded to 64 bytes.
+    for (UInt64 size : {UInt64(1), UInt64(63), UInt64(64), UInt64(1000), UInt64(5) << 20})
+    {
+        XMemoryHandle block(size);
+        EXPECT_EQ(block.GetPaddedSize() % 64, 0u);
+        EXPECT_GE(block.GetPaddedSize(), size);
+        EXPECT_GE(block.GetAddressSpaceMetric(), size);
+        XLock lock(block, kLockRead);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block.GetData()) % 64, 0u);
+        const auto * bytes = static_cast<const UInt8 *>(block.GetData());
+        EXPECT_TRUE(std::all_of(bytes, bytes + size, [](UInt8 aByte) { return aByte == 0; }));
+    }
+    {
+        XMemoryHandle empty;
+        XLock lock(empty, kLockReadWrite); // locking nothing is fine
+        EXPECT_EQ(empty.GetData(), nullptr);
+    }
+
     XMemoryHandle handle(16);
     handle.Clear(0x5A);
-    EXPECT_EQ(handle.GetByte(15), 0x5A);
     const UInt8 source[4] = {1, 2, 3, 4};
     handle.CopyDataFrom(source, 12, 4);
     UInt8 out[6] = {};
@@ -300,7 +287,6 @@ TEST(MemoryHandleTest, ContentOperations)
     EXPECT_EQ(std::memcmp(out, expected, 6), 0);
     handle.SetByte(0, 9);
     EXPECT_EQ(handle.GetByte(0), 9);
-
     EXPECT_EQ(ErrorOf([&] { handle.CopyDataTo(out, 12, 5); }), kErrBadArgument);
     EXPECT_EQ(ErrorOf([&] { handle.CopyDataFrom(source, ~0ull, 2); }), kErrBadArgument);
     EXPECT_EQ(ErrorOf([&] { handle.GetByte(16); }), kErrBadArgument);
@@ -311,9 +297,15 @@ TEST(MemoryHandleTest, ContentOperations)
     EXPECT_TRUE(clone == handle);
     clone.SetByte(1, 0);
     EXPECT_TRUE(clone != handle);
-    XMemoryHandle shorter(15);
-    EXPECT_FALSE(shorter == handle);
+    EXPECT_FALSE(XMemoryHandle(15) == handle);
     EXPECT_TRUE(XMemoryHandle() == XMemoryHandle());
+
+    // Sizes no machine holds fail at once, without trying the allocation.
+    EXPECT_EQ(ErrorOf([] { XMemoryHandle huge(UInt64(1) << 60); }), kErrOutOfMemory);
+    EXPECT_EQ(ErrorOf([&] { handle.Resize(UInt64(1) << 62); }), kErrOutOfMemory);
+    EXPECT_EQ(ErrorOf([&] { handle.Reserve(~0ull); }), kErrOutOfMemory);
+    EXPECT_EQ(handle.GetDataSize(), 16u);
+    EXPECT_EQ(ErrorOf([] { XMemoryManager::GetManager().Allocate(UInt64(1) << 50, false); }), kErrOutOfMemory);
 }
 
 TEST(MemoryHandleTest, SwapOnLockTurnsTheBytesOnce)
@@ -324,19 +316,17 @@ TEST(MemoryHandleTest, SwapOnLockTurnsTheBytesOnce)
     XMemoryHandle partner(handle);
 
     handle.SetSwapOnLock(kSwap16);
-    EXPECT_EQ(handle.GetSwapOnLock(), kSwap16);
     {
         XLock lock(handle, kLockRead); // any mode turns them
         const UInt8 swapped[8] = {2, 1, 4, 3, 6, 5, 8, 7};
         EXPECT_EQ(std::memcmp(handle.GetData(), swapped, 8), 0);
     }
     EXPECT_EQ(handle.GetSwapOnLock(), kSwapNone);
-    EXPECT_EQ(handle.GetByte(0), 2); // not turned again
+    EXPECT_EQ(handle.GetByte(0), 2);  // not turned again
     EXPECT_EQ(partner.GetByte(0), 1); // the shared block was not touched
 
     partner.SetSwapOnLock(kSwap32);
     XMemoryHandle carried(partner); // a copy takes the pending swap along
-    EXPECT_EQ(carried.GetSwapOnLock(), kSwap32);
     const UInt8 swapped32[8] = {4, 3, 2, 1, 8, 7, 6, 5};
     UInt8 out[8];
     partner.CopyDataTo(out, 0, 8);
@@ -352,28 +342,13 @@ TEST(MemoryHandleTest, SwapOnLockTurnsTheBytesOnce)
         SwapBuffer16(expect.GetData(), 2048);
     }
     shared.SetSwapOnLock(kSwap16);
-    std::vector<std::thread> threads;
     std::atomic<int> wrong{0};
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            XLock lock(shared, kLockRead);
-            XLock other(expect, kLockRead);
-            wrong += std::memcmp(shared.GetData(), expect.GetData(), 4096) != 0;
-        });
-    for (std::thread & thread : threads)
-        thread.join();
+    RunOnThreads(4, [&](int) {
+        XLock lock(shared, kLockRead);
+        XLock other(expect, kLockRead);
+        wrong += std::memcmp(shared.GetData(), expect.GetData(), 4096) != 0;
+    });
     EXPECT_EQ(wrong.load(), 0);
-}
-
-TEST(MemoryHandleTest, AbsurdSizesFailWithoutAllocating)
-{
-    EXPECT_EQ(ErrorOf([] { XMemoryHandle handle(UInt64(1) << 60); }), kErrOutOfMemory);
-    XMemoryHandle handle(8);
-    EXPECT_EQ(ErrorOf([&] { handle.Resize(UInt64(1) << 62); }), kErrOutOfMemory);
-    EXPECT_EQ(ErrorOf([&] { handle.Reserve(~0ull); }), kErrOutOfMemory);
-    EXPECT_EQ(handle.GetDataSize(), 8u);
-    EXPECT_EQ(ErrorOf([] { XMemoryManager::GetManager().Allocate(UInt64(1) << 50, false); }),
-              kErrOutOfMemory);
 }
 
 TEST(MemoryHandleTest, StreamRoundTripInBothCompressionsAndOrders)
@@ -385,7 +360,6 @@ TEST(MemoryHandleTest, StreamRoundTripInBothCompressionsAndOrders)
 
     XMemoryHandle original = Pattern(100000);
     for (XByteOrder order : {kLittleEndian, kBigEndian})
-    {
         for (XMemoryHandle::XCompressionType type : {XMemoryHandle::kNone, XMemoryHandle::kDeflate})
         {
             original.SetCompression(type);
@@ -398,52 +372,27 @@ TEST(MemoryHandleTest, StreamRoundTripInBothCompressionsAndOrders)
                 EXPECT_EQ(bytes[kDataAt + 99999], UInt8(99999 * 7 + 1));
             }
             else
+            {
                 EXPECT_LT(bytes.size(), 2000u); // the pattern repeats every 256 bytes
-            XMemoryHandle back = ReadBack(bytes, 0, order);
+            }
+            XMemoryHandle back = ReadBack(bytes, order);
             EXPECT_TRUE(back == original);
             EXPECT_EQ(back.GetCompression(), type);
+            // Empty handles, both ways.
+            XMemoryHandle empty;
+            empty.SetCompression(type);
+            EXPECT_EQ(ReadBack(Written(empty, order), order).GetDataSize(), 0u);
         }
-    }
-    // Empty handles, both ways.
-    for (XMemoryHandle::XCompressionType type : {XMemoryHandle::kNone, XMemoryHandle::kDeflate})
-    {
-        XMemoryHandle empty;
-        empty.SetCompression(type);
-        XMemoryHandle back = ReadBack(Written(empty));
-        EXPECT_EQ(back.GetDataSize(), 0u);
-    }
-    // A big-endian header reads back in a big-endian stream.
-    XTestMemoryStream big(kBigEndian);
-    big.WriteObject(XMemoryHandle(3));
-    const std::vector<UInt8> & bytes = big.GetBytes();
-    EXPECT_EQ(bytes[3], 33); // class word, most significant byte first
-    EXPECT_EQ(bytes[kSizeAt + 7], 3);
-    EXPECT_EQ(ErrorOf([] { XMemoryHandle().SetCompression(XMemoryHandle::XCompressionType(2)); }),
-              kErrBadArgument);
-}
-
-TEST(MemoryHandleTest, LargeHandleThroughAFile)
-{
-    XMemoryHandle::RegisterClass();
-    XFileSpec spec = XFileSpec::MakeTemporary("memory-handle");
-    XMemoryHandle original = Pattern(6 << 20, 9);
-    {
-        XFileStream stream(spec, kCreate);
-        stream.WriteObject(original);
-        stream.Flush();
-    }
-    EXPECT_EQ(spec.GetFileSize(), 4 + original.GetStreamUsage());
-    {
-        XFileStream stream(spec, kReadOnly);
-        std::unique_ptr<XMemoryHandle> back(stream.ReadObjectAs<XMemoryHandle>());
-        ASSERT_TRUE(back);
-        EXPECT_TRUE(*back == original);
-    }
-    spec.Delete();
+    // A big-endian header: class word and size most significant byte first.
+    std::vector<UInt8> big = Written(XMemoryHandle(3), kBigEndian);
+    EXPECT_EQ(big[3], 33);
+    EXPECT_EQ(big[kSizeAt + 7], 3);
+    EXPECT_EQ(ErrorOf([] { XMemoryHandle().SetCompression(XMemoryHandle::XCompressionType(2)); }), kErrBadArgument);
 }
 
 TEST(MemoryHandleTest, SkippedDataKeepsTheSizeAndComesLater)
 {
+    XMemoryHandle::RegisterClass();
     XMemoryHandle original = Pattern(500);
     for (XMemoryHandle::XCompressionType type : {XMemoryHandle::kNone, XMemoryHandle::kDeflate})
     {
@@ -451,10 +400,8 @@ TEST(MemoryHandleTest, SkippedDataKeepsTheSizeAndComesLater)
         XTestMemoryStream stream;
         stream.WriteObject(original);
         stream.Write32(0xC0FFEE); // what follows the handle
-        XMemoryHandle::RegisterClass();
         stream.SeekTo(0);
-        std::unique_ptr<XMemoryHandle> skipped(
-            stream.ReadObjectAs<XMemoryHandle>(XStorable::kSkipData));
+        std::unique_ptr<XMemoryHandle> skipped(stream.ReadObjectAs<XMemoryHandle>(XStorable::kSkipData));
         EXPECT_EQ(stream.Read32(), 0xC0FFEEu);
         EXPECT_EQ(skipped->GetDataSize(), 500u);
         EXPECT_FALSE(skipped->HasBlock());
@@ -464,7 +411,6 @@ TEST(MemoryHandleTest, SkippedDataKeepsTheSizeAndComesLater)
         XMemoryHandle direct(stream, true);
         EXPECT_EQ(direct.GetDataSize(), 500u);
         EXPECT_EQ(stream.Read32(), 0xC0FFEEu);
-
         // Without a fetcher, bytes that never came read as zero.
         EXPECT_EQ(direct.GetByte(499), 0);
     }
@@ -476,61 +422,35 @@ TEST(MemoryHandleTest, DamagedStreamsRaise)
     const std::vector<UInt8> raw = Written(original);
     original.SetCompression(XMemoryHandle::kDeflate);
     const std::vector<UInt8> deflated = Written(original);
-
-    auto fails = [](std::vector<UInt8> aBytes) {
-        return ErrorOf([&] { ReadBack(std::move(aBytes)); });
+    auto fails = [](std::vector<UInt8> aBytes) { return ErrorOf([&] { ReadBack(std::move(aBytes)); }); };
+    auto cut = [](const std::vector<UInt8> & aBytes, std::size_t aSize) {
+        return std::vector<UInt8>(aBytes.begin(), aBytes.begin() + std::ptrdiff_t(aSize));
     };
     // Truncated anywhere.
-    for (std::size_t cut : {std::size_t(6), kSizeAt + 3, kDataAt, kDataAt + 150, raw.size() - 1})
-        EXPECT_NE(fails(std::vector<UInt8>(raw.begin(), raw.begin() + std::ptrdiff_t(cut))), 0u)
-            << cut;
-    for (std::size_t cut : {kDataAt + 1, deflated.size() - 1})
-        EXPECT_EQ(
-            fails(std::vector<UInt8>(deflated.begin(), deflated.begin() + std::ptrdiff_t(cut))),
-            kErrDamagedStream)
-            << cut;
+    for (std::size_t size : {std::size_t(6), kSizeAt + 3, kDataAt, kDataAt + 150, raw.size() - 1})
+        EXPECT_NE(fails(cut(raw, size)), 0u) << size;
+    for (std::size_t size : {kDataAt + 1, deflated.size() - 1})
+        EXPECT_EQ(fails(cut(deflated, size)), kErrDamagedStream) << size;
 
-    std::vector<UInt8> bytes = raw;
-    Poke64(bytes, kSizeAt, UInt64(1) << 60);
-    Poke64(bytes, kStoredAt, UInt64(1) << 60);
-    EXPECT_EQ(fails(bytes), kErrDamagedStream); // fast: no such allocation is tried
+    // Absurd sizes fail fast: no such allocation is tried.
+    EXPECT_EQ(fails(Poked(Poked(raw, kSizeAt, 1ull << 60), kStoredAt, 1ull << 60)), kErrDamagedStream);
+    EXPECT_EQ(fails(Poked(deflated, kSizeAt, 1ull << 60)), kErrDamagedStream);
+    EXPECT_EQ(fails(Poked(raw, kSizeAt, ~0ull)), kErrDamagedStream); // negative
+    // The data inflates to 300, no more and no less.
+    EXPECT_EQ(fails(Poked(deflated, kSizeAt, 301)), kErrDamagedStream);
+    EXPECT_EQ(fails(Poked(deflated, kSizeAt, 299)), kErrDamagedStream);
+    EXPECT_EQ(fails(Poked(raw, kTypeAt, 7, 4)), kErrDamagedStream);
+    EXPECT_EQ(fails(Poked(raw, kStoredAt, 299)), kErrDamagedStream); // raw data is stored as it is
+    EXPECT_EQ(fails(Poked(raw, 4, 34, 4)), kErrWrongClass); // another class's word at the handle's level
+    EXPECT_EQ(fails(Poked(raw, 4, XVersion(33, 1).GetWord(), 4)), kErrStreamTooNew);
 
-    bytes = deflated;
-    Poke64(bytes, kSizeAt, UInt64(1) << 60);
-    EXPECT_EQ(fails(bytes), kErrDamagedStream);
-
-    bytes = deflated;
-    Poke64(bytes, kSizeAt, 301); // the data inflates to 300
-    EXPECT_EQ(fails(bytes), kErrDamagedStream);
-    Poke64(bytes, kSizeAt, 299);
-    EXPECT_EQ(fails(bytes), kErrDamagedStream);
-
-    bytes = deflated;
+    std::vector<UInt8> bytes = deflated;
     bytes[kDataAt + 4] ^= 0x55;
     bytes[kDataAt + 5] ^= 0xAA;
     EXPECT_EQ(fails(bytes), kErrDamagedStream);
-
-    bytes = raw;
-    Poke32(bytes, kTypeAt, 7);
-    EXPECT_EQ(fails(bytes), kErrDamagedStream);
-    bytes = raw;
-    Poke64(bytes, kSizeAt, ~0ull); // negative
-    EXPECT_EQ(fails(bytes), kErrDamagedStream);
-    bytes = raw;
-    Poke64(bytes, kStoredAt, 299); // raw data must be stored as it is
-    EXPECT_EQ(fails(bytes), kErrDamagedStream);
-
     bytes = deflated; // bytes after the end of the zlib stream, inside the stored count
     bytes.insert(bytes.end(), {1, 2, 3});
-    Poke64(bytes, kStoredAt, deflated.size() - kDataAt + 3);
-    EXPECT_EQ(fails(bytes), kErrDamagedStream);
-
-    bytes = raw;
-    Poke32(bytes, 4, 34); // another class's word at the handle's level
-    EXPECT_EQ(fails(bytes), kErrWrongClass);
-    bytes = raw;
-    Poke32(bytes, 4, XVersion(33, 1).GetWord());
-    EXPECT_EQ(fails(bytes), kErrStreamTooNew);
+    EXPECT_EQ(fails(Poked(bytes, kStoredAt, deflated.size() - kDataAt + 3)), kErrDamagedStream);
 }
 
 TEST(MemoryHandleTest, HeaderInfoFromTheStream)
@@ -560,29 +480,24 @@ TEST(MemoryHandleTest, HeaderInfoFromTheStream)
     EXPECT_EQ(offset, 4 + SInt64(kDataAt));
 
     stream.SeekTo(0);
-    EXPECT_EQ(ErrorOf([&] {
-                  XMemoryHandle::GetHandleInfoFromStream(stream, size, type, offset, false);
-              }),
+    EXPECT_EQ(ErrorOf([&] { XMemoryHandle::GetHandleInfoFromStream(stream, size, type, offset, false); }),
               kErrWrongClass);
 }
 
-TEST(MemoryHandleTest, HeapImageOfAHandle)
+TEST(MemoryHandleTest, HeapImageAndReuseOfFreedLargeBlocks)
 {
     XMemoryHandle original = Pattern(100);
     XMemoryHandle partner(original);
-    XMemoryManager::GetManager().MakeHeapImage(original, 150);
+    XMemoryManager & manager = XMemoryManager::GetManager();
+    manager.MakeHeapImage(original, 150);
     EXPECT_EQ(original.GetDataSize(), 150u);
     EXPECT_FALSE(original.IsShared());
     EXPECT_EQ(original.GetByte(99), UInt8(99 * 7 + 1));
     EXPECT_EQ(original.GetByte(149), 0);
-    XMemoryManager::GetManager().MakeHeapImage(partner, 10);
+    manager.MakeHeapImage(partner, 10);
     EXPECT_EQ(partner.GetDataSize(), 10u);
     EXPECT_EQ(partner.GetByte(9), UInt8(9 * 7 + 1));
-}
 
-TEST(MemoryHandleTest, FreedLargeBlocksAreReused)
-{
-    XMemoryManager & manager = XMemoryManager::GetManager();
     manager.TrimCache();
     const UInt64 inUse = manager.GetBytesInUse();
     {
@@ -598,4 +513,141 @@ TEST(MemoryHandleTest, FreedLargeBlocksAreReused)
     }
     manager.TrimCache();
     EXPECT_EQ(manager.GetCachedBytes(), 0u);
+}
+
+TEST(MappedHandleTest, ReadsTheFileAtAnyOffset)
+{
+    XTemporaryFolder folder;
+    const XFileSpec file = MakeFile(folder);
+    for (SInt64 offset : {SInt64(0), SInt64(13), SInt64(4096), SInt64(4096 + 4000)})
+    {
+        UInt64 size = kFileSize - UInt64(offset);
+        XMappedFileMemoryHandle handle(file, offset, size);
+        EXPECT_TRUE(handle.IsMapped());
+        EXPECT_EQ(handle.GetDataSize(), size);
+        EXPECT_GE(handle.GetAddressSpaceMetric(), handle.GetPaddedSize());
+        EXPECT_GE(handle.GetPaddedSize(), size);
+        XLock lock(handle, kLockRead);
+        const auto * bytes = static_cast<const UInt8 *>(handle.GetData());
+        for (UInt64 i = 0; i < size; ++i)
+            ASSERT_EQ(bytes[i], FileByte(UInt64(offset) + i)) << offset << " " << i;
+    }
+    XMappedFileMemoryHandle part(file, 100, 10, kReadOnly, XMappedFileMemoryHandle::kMapPopulate);
+    EXPECT_EQ(part.GetByte(9), FileByte(109));
+    EXPECT_EQ(XMappedFileMemoryHandle(file, SInt64(kFileSize), 0).GetDataSize(), 0u);
+
+    // Refused ranges and modes.
+    EXPECT_EQ(ErrorOf([&] { XMappedFileMemoryHandle(file, 0, kFileSize + 1); }), kErrFileIO);
+    EXPECT_EQ(ErrorOf([&] { XMappedFileMemoryHandle(file, SInt64(kFileSize) + 1, 0); }), kErrFileIO);
+    EXPECT_EQ(ErrorOf([&] { XMappedFileMemoryHandle(file, -1, 1); }), kErrBadArgument);
+    EXPECT_EQ(ErrorOf([&] { XMappedFileMemoryHandle(file, 0, 1, kCreate); }), kErrBadArgument);
+    EXPECT_EQ(ErrorOf([&] { XMappedFileMemoryHandle(file, 0, 1, kReadOnly, 64); }), kErrBadArgument);
+    EXPECT_EQ(ErrorOf([] { XMappedFileMemoryHandle(XFileSpec("/nonexistent/file"), 0, 1); }), kErrFileIO);
+    EXPECT_EQ(file.GetFileSize(), kFileSize); // kCreate did not empty it
+}
+
+TEST(MappedHandleTest, WritesCopyAndLeaveTheFileAlone)
+{
+    XTemporaryFolder folder;
+    const XFileSpec file = MakeFile(folder);
+    XMappedFileMemoryHandle handle(file, 7, 9000);
+    XMappedFileMemoryHandle copy(handle);
+    XMemoryHandle plain(handle); // a plain handle can share the mapping as well
+    EXPECT_TRUE(copy.IsMapped());
+    {
+        XLock lock(handle, kLockReadWrite);
+        EXPECT_FALSE(handle.IsMapped());
+        auto * bytes = WritableBytes(handle);
+        EXPECT_EQ(bytes[0], FileByte(7));
+        EXPECT_EQ(bytes[8999], FileByte(9006));
+        std::memset(bytes, 0, 9000);
+    }
+    EXPECT_EQ(handle.GetByte(100), 0);
+    EXPECT_EQ(copy.GetByte(100), FileByte(107));
+    EXPECT_EQ(plain.GetByte(100), FileByte(107));
+    // Even a sole handle over a mapping copies before a write.
+    copy.SetByte(0, 0xAA);
+    plain.Clear(0xBB);
+    EXPECT_EQ(copy.GetByte(0), 0xAA);
+    EXPECT_EQ(copy.GetByte(1), FileByte(8));
+
+    // The heap image, and bytes turned over on a lock, are copied out of the read-only mapping.
+    XMappedFileMemoryHandle imaged(file, 1, 100);
+    XMemoryManager::GetManager().MakeHeapImage(imaged, 120);
+    EXPECT_FALSE(imaged.IsMapped());
+    EXPECT_EQ(imaged.GetByte(99), FileByte(100));
+    EXPECT_EQ(imaged.GetByte(119), 0);
+    XMappedFileMemoryHandle swapped(file, 0, 4);
+    swapped.SetSwapOnLock(kSwap32);
+    EXPECT_EQ(swapped.GetByte(0), FileByte(3));
+    EXPECT_EQ(swapped.GetByte(3), FileByte(0));
+    EXPECT_FALSE(swapped.IsMapped());
+
+    std::vector<UInt8> after(kFileSize);
+    EXPECT_EQ(XFile(file, kReadOnly).ReadAt(0, after.data(), kFileSize), kFileSize);
+    for (UInt64 i = 0; i < kFileSize; ++i)
+        ASSERT_EQ(after[i], FileByte(i)) << i;
+}
+
+TEST(CompressionTest, RoundTripsInBothFormsWithTheirHeader)
+{
+    for (bool raw : {false, true})
+        for (SInt32 level : {-1, 0, 1, 9})
+            for (std::size_t size : {std::size_t(0), std::size_t(1), std::size_t(70000)})
+                for (bool random : {false, true})
+                {
+                    std::vector<UInt8> data = Sample(size, random);
+                    XMemoryHandle packed = XZCompressor(raw, level).CompressToMemory(data.data(), UInt32(size));
+                    std::vector<UInt8> bytes = ContentsOf(packed);
+                    ASSERT_GE(bytes.size(), 8u);
+                    // The header: the size little-endian, the form, the tag.
+                    EXPECT_EQ(bytes[0] | bytes[1] << 8 | bytes[2] << 16 | UInt32(bytes[3]) << 24, size);
+                    EXPECT_EQ(bytes[4], raw ? 2 : 1);
+                    EXPECT_EQ(std::string(bytes.begin() + 5, bytes.begin() + 8), "BZC");
+                    if (!random && size > 1000 && level != 0)
+                    {
+                        EXPECT_LT(bytes.size(), size / 20);
+                    }
+                    EXPECT_EQ(ContentsOf(XZDecompressor().DecompressFromMemory(packed)), data)
+                        << raw << " " << level << " " << size;
+                }
+}
+
+TEST(CompressionTest, DamagedInputRaises)
+{
+    std::vector<UInt8> data = Sample(20000, true);
+    const std::vector<UInt8> good = ContentsOf(XZCompressor().CompressToMemory(data.data(), 20000));
+    auto fails = [](const std::vector<UInt8> & aBytes) {
+        XMemoryHandle handle(aBytes.size());
+        handle.CopyDataFrom(aBytes.data(), 0, aBytes.size());
+        return ErrorOf([&] { XZDecompressor().DecompressFromMemory(handle); });
+    };
+    auto changed = [&](std::size_t anOffset, UInt8 aByte) {
+        std::vector<UInt8> bytes = good;
+        bytes[anOffset] = aByte;
+        return fails(bytes);
+    };
+    EXPECT_EQ(fails(good), 0u);
+    EXPECT_EQ(fails({}), kErrCompression);
+    for (std::size_t size : {std::size_t(7), std::size_t(8), good.size() - 1})
+        EXPECT_EQ(fails(std::vector<UInt8>(good.begin(), good.begin() + std::ptrdiff_t(size))), kErrCompression);
+    EXPECT_EQ(changed(6, 'X'), kErrCompression);          // the tag
+    EXPECT_EQ(changed(4, 3), kErrCompression);            // an unknown form
+    EXPECT_EQ(changed(4, 2), kErrCompression);            // a zlib stream read as raw deflate
+    EXPECT_EQ(changed(0, good[0] ^ 1), kErrCompression);  // one byte more or less than the data holds
+    std::vector<UInt8> bytes = good;
+    for (std::size_t i = 100; i < 110; ++i)
+        bytes[i] ^= 0x5A;
+    EXPECT_EQ(fails(bytes), kErrCompression);
+    bytes = good;
+    bytes.push_back(0); // bytes after the end
+    EXPECT_EQ(fails(bytes), kErrCompression);
+
+    // A header that claims 4 GiB from a few bytes fails before any allocation.
+    std::vector<UInt8> tiny = ContentsOf(XZCompressor().CompressToMemory("abc", 3));
+    tiny[0] = tiny[1] = tiny[2] = tiny[3] = 0xFF;
+    EXPECT_EQ(fails(tiny), kErrCompression);
+
+    EXPECT_EQ(ErrorOf([] { XZCompressor(false, 10); }), kErrBadArgument);
+    EXPECT_EQ(ErrorOf([] { XZCompressor(true, -2); }), kErrBadArgument);
 }

@@ -1,97 +1,40 @@
-// The resource tracker: counts and bytes by kind, peaks, unbalanced removals and threads.
+// The resource tracker: counts and bytes by kind, kept right by threads and stopping at zero.
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <string>
-#include <thread>
-#include <vector>
-
+#include "XFoundationTestSupport.h"
 #include "XResourceTracker.h"
 
-namespace
+TEST(ResourceTrackerTest, ThreadsBalanceOutAndRemovalsStopAtZero)
 {
-// The tracker lives as long as the process: each test (and each repetition of it) counts under
-// kinds of its own.
-std::string MakeKind(const std::string & aName)
-{
-    static std::atomic<int> sRun{0};
-    return "TrackerTest" + std::to_string(++sRun) + aName;
-}
-} // namespace
-
-TEST(ResourceTrackerTest, CountsLiveObjectsByKind)
-{
-    const std::string volume = MakeKind("Volume");
-    const std::string region = MakeKind("Region");
+    // The tracker lives as long as the process: a kind of this run's own.
+    static int sRun = 0;
+    const std::string kind = "TrackerTest" + std::to_string(++sRun);
     XResourceTracker & tracker = XResourceTracker::GetTracker();
-    EXPECT_EQ(&tracker, &XResourceTracker::GetTracker());
-    tracker.AddResource(volume.c_str(), 1000);
-    tracker.AddResource(volume, 24);
-    tracker.AddResource(XString(region));
-    EXPECT_EQ(tracker.GetCount(volume), 2u);
-    EXPECT_EQ(tracker.GetBytes(volume), 1024u);
-    EXPECT_EQ(tracker.GetCount(region), 1u);
-    EXPECT_EQ(tracker.GetCount(MakeKind("NeverSeen")), 0u);
-
-    tracker.RemoveResource(volume, 1000);
-    EXPECT_EQ(tracker.GetCount(volume), 1u);
-    EXPECT_EQ(tracker.GetBytes(volume), 24u);
-    XResourceTracker::XCounter & counter = tracker.GetCounter(volume);
-    EXPECT_EQ(counter.GetPeakCount(), 2u);
-    EXPECT_EQ(counter.GetTotalAdded(), 2u);
-
-    std::string text = tracker.Describe().GetStdString();
-    EXPECT_NE(text.find(volume + ": 1 (24 bytes, peak 2)\n"), std::string::npos);
-    bool found = false;
-    for (const XResourceTracker::XRecord & record : tracker.GetSnapshot())
-        if (record.itsKind == XString(region))
+    RunOnThreads(4, [&tracker, &kind](int) {
+        XResourceTracker::XCounter & counter = tracker.GetCounter(kind);
+        for (int i = 0; i < 10000; ++i)
         {
-            found = true;
-            EXPECT_EQ(record.itsCount, 1u);
+            tracker.AddResource(kind, 8);
+            counter.Remove(8);
         }
-    EXPECT_TRUE(found);
-    tracker.RemoveResource(volume, 24);
-    tracker.RemoveResource(region);
-    text = tracker.Describe().GetStdString();
-    EXPECT_EQ(text.find(volume), std::string::npos); // kinds without live objects are left out
-    EXPECT_EQ(text.find(region), std::string::npos);
-}
+    });
+    tracker.AddResource(kind.c_str(), 1000);
+    tracker.AddResource(XString(kind), 24);
+    tracker.RemoveResource(kind, 1000);
+    XResourceTracker::XCounter & counter = tracker.GetCounter(kind);
+    EXPECT_EQ(counter.GetCount(), 1u);
+    EXPECT_EQ(counter.GetBytes(), 24u);
+    EXPECT_EQ(counter.GetTotalAdded(), 40002u);
+    EXPECT_LE(counter.GetPeakCount(), 4u);
+    EXPECT_EQ(counter.GetUnbalancedRemovals(), 0u);
+    EXPECT_NE(tracker.Describe().GetStdString().find(kind + ": 1 (24 bytes, peak "), std::string::npos);
 
-TEST(ResourceTrackerTest, UnbalancedRemovalStopsAtZero)
-{
-    XResourceTracker::XCounter & counter = XResourceTracker::GetTracker().GetCounter(MakeKind("Unbalanced"));
-    counter.Add(10);
+    // Removing more than there is stops at zero and is counted.
     counter.Remove(30);
-    EXPECT_EQ(counter.GetCount(), 0u);
     EXPECT_EQ(counter.GetBytes(), 0u);
-    EXPECT_EQ(counter.GetUnbalancedRemovals(), 1u);
     counter.Remove();
     EXPECT_EQ(counter.GetCount(), 0u);
     EXPECT_EQ(counter.GetUnbalancedRemovals(), 2u);
-}
-
-TEST(ResourceTrackerTest, ThreadsBalanceOut)
-{
-    const std::string kind = MakeKind("Threads");
-    XResourceTracker & tracker = XResourceTracker::GetTracker();
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&tracker, &kind] {
-            XResourceTracker::XCounter & counter = tracker.GetCounter(kind);
-            for (int i = 0; i < 10000; ++i)
-            {
-                tracker.AddResource(kind, 8);
-                counter.Remove(8);
-            }
-        });
-    for (std::thread & thread : threads)
-        thread.join();
-    XResourceTracker::XCounter & counter = tracker.GetCounter(kind);
-    EXPECT_EQ(counter.GetCount(), 0u);
-    EXPECT_EQ(counter.GetBytes(), 0u);
-    EXPECT_EQ(counter.GetTotalAdded(), 40000u);
-    EXPECT_GE(counter.GetPeakCount(), 1u);
-    EXPECT_LE(counter.GetPeakCount(), 4u);
-    EXPECT_EQ(counter.GetUnbalancedRemovals(), 0u);
+    EXPECT_EQ(tracker.Describe().GetStdString().find(kind), std::string::npos); // no live objects
 }

@@ -1,8 +1,9 @@
 // Every vector kernel of the three implementations (portable, SSE, SSE2) against a plain
 // double-precision reference at lengths 0, 1, 3, 4, 5, 17 and 1000, with every array aligned,
-// the inputs misaligned, or only the output misaligned; and every element-wise kernel writing
-// over one of its own inputs. Where the optimised forms deliberately differ from the portable
-// loops (see WSSEVectorMathToolImp.h), the reference follows them.
+// the inputs misaligned, or only the output misaligned; the kernels that have no processor form
+// against the portable loops bit for bit; and every element-wise kernel writing over one of its
+// own inputs. Where the optimised forms deliberately differ from the portable loops (see
+// WSSEVectorMathToolImp.h), the reference follows them.
 //
 // How far results may differ: single float operations (add, multiply, clamp, fill) are exact;
 // divisions and roots within 1e-6 of the value (the optimised groups refine approximate
@@ -432,6 +433,102 @@ TEST(VectorKernels, LogarithmAgreesBitForBitWithThePortableLoop)
         Implementations()[0].itsImp->VectorLogBaseX(d.a, d.p, 3.f, r.n);
         for (UInt64 i = 0; i < r.n; ++i)
             ASSERT_EQ(std::bit_cast<UInt32>(d.o[i]), std::bit_cast<UInt32>(d.p[i])) << i;
+    });
+}
+
+namespace
+{
+// The results of a kernel as bit patterns, scalars and output arrays in the order given.
+struct XOutput
+{
+    const float * itsData;
+    UInt64 itsCount;
+};
+
+struct XBits : std::vector<UInt64>
+{
+    XBits & operator<<(float aValue)
+    {
+        push_back(std::bit_cast<UInt32>(aValue));
+        return *this;
+    }
+    XBits & operator<<(double aValue)
+    {
+        push_back(std::bit_cast<UInt64>(aValue));
+        return *this;
+    }
+    XBits & operator<<(XOutput anOutput)
+    {
+        for (UInt64 i = 0; i < anOutput.itsCount; ++i)
+            *this << anOutput.itsData[i];
+        return *this;
+    }
+};
+
+::testing::AssertionResult SameBits(const XBits & someBits, const XBits & someExpected)
+{
+    if (someBits.size() != someExpected.size())
+        return ::testing::AssertionFailure() << someBits.size() << " results, expected " << someExpected.size();
+    for (std::size_t i = 0; i < someBits.size(); ++i)
+        if (someBits[i] != someExpected[i])
+            return ::testing::AssertionFailure() << "result " << i << ": bits " << someBits[i]
+                                                 << ", expected " << someExpected[i];
+    return ::testing::AssertionSuccess();
+}
+
+// A kernel that must give the portable loop's bits: on every implementation, or (itsSSEOnly)
+// on the SSE one, which keeps the portable ...64 sums that SSE2 replaces.
+struct XPortableKernel
+{
+    const char * itsName;
+    bool itsSSEOnly;
+    std::function<XBits(XVectorMathToolImp &, XArrays &, UInt64)> itsRun;
+};
+
+const std::vector<XPortableKernel> & PortableKernels()
+{
+    using I = XVectorMathToolImp;
+    using D = XArrays;
+    static const std::vector<XPortableKernel> sKernels = {
+        {"WeightedEntropy", false, [](I & m, D & d, UInt64 n) { float e = 0, w = 0; m.VectorWeightedEntropy(d.a, e, w, n); return XBits() << e << w; }},
+        {"WeightedEntropy64", false, [](I & m, D & d, UInt64 n) { double e = 0, w = 0; m.VectorWeightedEntropy64(d.a, e, w, n); return XBits() << e << w; }},
+        {"SearchDerivatives", false, [](I & m, D & d, UInt64 n) { float d1 = 0, d2 = 0; m.VectorSearchDerivatives(d.a, d.b, d.c, 0.75f, d1, d2, n); return XBits() << d1 << d2; }},
+        {"SearchDerivatives64", false, [](I & m, D & d, UInt64 n) { double d1 = 0, d2 = 0; m.VectorSearchDerivatives64(d.a, d.b, d.c, 0.75, d1, d2, n); return XBits() << d1 << d2; }},
+        {"CalcSearchVec1", false, [](I & m, D & d, UInt64 n) { float q = 0; m.VectorCalcSearchVec1(d.a, d.o, 0.75f, q, n); return XBits() << q << XOutput{d.o, n}; }},
+        {"CalcSearchVec1_64", false, [](I & m, D & d, UInt64 n) { double q = 0; m.VectorCalcSearchVec1_64(d.a, d.o, 0.75f, q, n); return XBits() << q << XOutput{d.o, n}; }},
+        {"CalcSearchVecs1And2", false, [](I & m, D & d, UInt64 n) { float q1 = 0, q2 = 0; m.VectorCalcSearchVecs1And2(d.a, d.c, d.o, d.p, 0.75f, q1, q2, n); return XBits() << q1 << q2 << XOutput{d.o, n} << XOutput{d.p, n}; }},
+        {"CalcSearchVecs1And2_64", false, [](I & m, D & d, UInt64 n) { double q1 = 0, q2 = 0; m.VectorCalcSearchVecs1And2_64(d.a, d.c, d.o, d.p, 0.75f, q1, q2, n); return XBits() << q1 << q2 << XOutput{d.o, n} << XOutput{d.p, n}; }},
+        {"DotProduct64", true, [](I & m, D & d, UInt64 n) { return XBits() << m.VectorDotProduct64(d.a, d.b, n); }},
+        {"Sum64", true, [](I & m, D & d, UInt64 n) { return XBits() << m.VectorSum64(d.b, n); }},
+        {"DotProductDivide64", true, [](I & m, D & d, UInt64 n) { return XBits() << m.VectorDotProductDivide64(d.a, d.b, d.c, n); }},
+        {"ChiSquared64", true, [](I & m, D & d, UInt64 n) { return XBits() << m.VectorChiSquared64(d.a, d.b, d.c, n); }},
+        {"SquareMultiplySum64", true, [](I & m, D & d, UInt64 n) { return XBits() << m.VectorSquareMultiplySum64(d.a, d.b, n); }},
+        {"CalcSearchVec2_64", true, [](I & m, D & d, UInt64 n) { double q = 0; m.VectorCalcSearchVec2_64(d.a, d.b, d.o, q, n); return XBits() << q << XOutput{d.o, n}; }},
+    };
+    return sKernels;
+}
+} // namespace
+
+TEST(VectorKernels, KernelsWithoutProcessorFormsGiveThePortableBits)
+{
+    XVectorMathToolImp & portable = *Implementations()[0].itsImp;
+    ForEachRun([&](const XRun & r) {
+        // On this data the processor's own sums differ from the portable ones in the last
+        // bits, so a kernel that summed through them would differ too.
+        if (r.Groups() && r.n == 1000)
+        {
+            XArrays d(r.n, r.itsLayout);
+            EXPECT_NE(r.Imp().VectorSum(d.a, r.n), portable.VectorSum(d.a, r.n));
+            EXPECT_NE(r.Imp().VectorDotProduct(d.a, d.b, r.n), portable.VectorDotProduct(d.a, d.b, r.n));
+        }
+        for (const XPortableKernel & kernel : PortableKernels())
+        {
+            if (kernel.itsSSEOnly && (!r.itsImp.itsOptimised || r.itsImp.itsSSE2))
+                continue;
+            SCOPED_TRACE(kernel.itsName);
+            XArrays mine(r.n, r.itsLayout), reference(r.n, r.itsLayout);
+            EXPECT_TRUE(SameBits(kernel.itsRun(r.Imp(), mine, r.n), kernel.itsRun(portable, reference, r.n)));
+        }
     });
 }
 

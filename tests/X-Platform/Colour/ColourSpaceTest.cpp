@@ -33,7 +33,7 @@ UInt32 WavelengthWord(double aWavelength, UInt8 anAlpha = 255)
 }
 } // namespace
 
-TEST(HSI, SectorBoundariesAndInteriors)
+TEST(HSI, SectorBoundariesAndInteriorsBothWays)
 {
     // Whole sectors: hue 0 and 255 (x = 6 wraps to 0) red, 85 green, 170 blue.
     ExpectHSIToRGB({0, 255, 255, 255, 0, 0});
@@ -48,10 +48,8 @@ TEST(HSI, SectorBoundariesAndInteriors)
     ExpectHSIToRGB({51, 255, 255, 204, 255, 0});
     // No saturation: the grey of the intensity.
     ExpectHSIToRGB({200, 0, 77, 77, 77, 77});
-}
 
-TEST(HSI, FromRGB)
-{
+    // And back from red, green and blue.
     EXPECT_EQ(XARGB32Colour(255, 0, 0).GetHue(), 0);
     EXPECT_EQ(XARGB32Colour(255, 0, 0).GetSaturation(), 255);
     EXPECT_EQ(XARGB32Colour(0, 255, 0).GetHue(), 85);

@@ -39,23 +39,19 @@ using Colour32Types = ::testing::Types<XARGB32Colour, XBGRA32Colour>;
 TYPED_TEST_SUITE(Colour32Test, Colour32Types);
 } // namespace
 
-TEST(ColourLayout, ChannelsLieInTheirMemoryOrder)
+TEST(ColourLayout, ChannelsLieInTheirMemoryOrderAndConversionsCarryAlpha)
 {
     EXPECT_EQ(MemoryOf(XARGB32Colour(0x11, 0x22, 0x33, 0x44)), (std::vector<UInt8>{0x11, 0x22, 0x33, 0x44}));
     EXPECT_EQ(MemoryOf(XBGRA32Colour(0x11, 0x22, 0x33, 0x44)), (std::vector<UInt8>{0x44, 0x33, 0x22, 0x11}));
     EXPECT_EQ(MemoryOf(XRGB48Colour(0x0102, 0x0304, 0x0506)).size(), 6u);
     EXPECT_EQ(MemoryOf(XARGB32Colour()), (std::vector<UInt8>{0, 0, 0, 0}));
-}
-
-TEST(ColourLayout, ConstantsAreOpaqueWithTheirChannels)
-{
-    EXPECT_EQ(XARGB32Colour::kWhite.GetARGB(), 0xffffffffu);
-    EXPECT_EQ(XARGB32Colour::kBlack.GetARGB(), 0xff000000u);
-    EXPECT_EQ(XARGB32Colour::kOrange.GetARGB(), 0xffff7f00u);
-    EXPECT_EQ(XARGB32Colour::kLCDBacklight.GetARGB(), 0xffc0ff00u);
-    EXPECT_EQ(XARGB32Colour::kFineDividerLine.GetARGB(), 0xffd8d8d8u);
-    EXPECT_EQ(XARGB32Colour::kDarkBlue.GetARGB(), 0xff000080u);
-    EXPECT_EQ(XARGB32Colour::kLightGreen.GetARGB(), 0xff80ff80u);
+    // A conversion carries alpha and lays the bytes out anew.
+    const XBGRA32Colour bgra(XARGB32Colour(10, 20, 30, 40));
+    EXPECT_EQ(MemoryOf(bgra), (std::vector<UInt8>{40, 30, 20, 10}));
+    EXPECT_EQ(static_cast<XARGB32Colour>(bgra), XARGB32Colour(10, 20, 30, 40));
+    XARGB32Colour reformatted(0x11, 0x22, 0x33, 0x44);
+    reformatted.ReformatToRGBA();
+    EXPECT_EQ(MemoryOf(reformatted), (std::vector<UInt8>{0x22, 0x33, 0x44, 0x11}));
 }
 
 TYPED_TEST(Colour32Test, ConstructorsAndWords)
@@ -132,12 +128,8 @@ TYPED_TEST(Colour32Test, SaturatingArithmeticLeavesAlpha)
     EXPECT_EQ((C(9, 101, 0, 255) / 2.0f).GetARGB(), 0x0932007fu);
     EXPECT_EQ((C(9, 101, 50, 255) * -1.0).GetARGB(), 0x09000000u);
     EXPECT_EQ(C(1, 2, 3) + C(1, 2, 3), C(2, 4, 6));
-}
-
-TYPED_TEST(Colour32Test, DivisionByAZeroChannelIsABrokenPrecondition)
-{
-    TypeParam colour(1, 2, 3);
-    EXPECT_THROW(colour /= TypeParam(1, 0, 1), XInternalError);
+    C colour(1, 2, 3);
+    EXPECT_THROW(colour /= C(1, 0, 1), XInternalError); // a zero channel is a broken precondition
 }
 
 TYPED_TEST(Colour32Test, AlphaOperations)
@@ -174,34 +166,15 @@ TYPED_TEST(Colour32Test, AlphaOperations)
     EXPECT_EQ(rotated.GetARGB(), 0x22334411u);
 }
 
-TEST(ColourLayout, ReformatToRGBALaysAnARGBColourOutAsRGBA)
-{
-    XARGB32Colour colour(0x11, 0x22, 0x33, 0x44);
-    colour.ReformatToRGBA();
-    EXPECT_EQ(MemoryOf(colour), (std::vector<UInt8>{0x22, 0x33, 0x44, 0x11}));
-}
-
 TYPED_TEST(Colour32Test, OrderingComparesIntensityOnly)
 {
     using C = TypeParam;
     const C red(255, 0, 0), blue(0, 0, 255);
-    EXPECT_FALSE(red < blue);
-    EXPECT_FALSE(blue < red);
-    EXPECT_FALSE(red > blue);
-    EXPECT_TRUE(red <= blue);
-    EXPECT_TRUE(red >= blue);
-    EXPECT_FALSE(red == blue);
-    EXPECT_TRUE(red != blue);
+    EXPECT_FALSE(red < blue || blue < red || red > blue);
+    EXPECT_TRUE(red <= blue && red >= blue);
+    EXPECT_TRUE(red != blue); // equality compares every channel
     EXPECT_TRUE(C(10, 0, 0) < C(0, 11, 0));
     EXPECT_FALSE(C(1, 10, 10, 10) == C(2, 10, 10, 10));
-}
-
-TEST(ColourConversion, ARGBAndBGRACarryAlpha)
-{
-    const XBGRA32Colour bgra(XARGB32Colour(10, 20, 30, 40));
-    EXPECT_EQ(bgra.GetARGB(), 0x0a141e28u);
-    EXPECT_EQ(MemoryOf(bgra), (std::vector<UInt8>{40, 30, 20, 10}));
-    EXPECT_EQ(static_cast<XARGB32Colour>(bgra), XARGB32Colour(10, 20, 30, 40));
 }
 
 TEST(ColourStream, ARGB32IsFourBytesInEitherOrder)
@@ -258,17 +231,12 @@ TEST(RGBFloat32Colour, PlainFloatArithmeticAndKinds)
     EXPECT_EQ(colour.GetMaxComponent(), 3.0f);
     EXPECT_EQ(colour.GetMinComponent(), -2.0f);
     EXPECT_EQ(colour + XRGBFloat32Colour(1.0f, 1.0f, 1.0f), XRGBFloat32Colour(1.5f, -1.0f, 4.0f));
-    EXPECT_EQ(colour * XRGBFloat32Colour(2.0f, 2.0f, 0.5f), XRGBFloat32Colour(1.0f, -4.0f, 1.5f));
-    EXPECT_EQ(colour + 0.5f, XRGBFloat32Colour(1.0f, -1.5f, 3.5f));
     EXPECT_EQ(colour * 300.0f, XRGBFloat32Colour(150.0f, -600.0f, 900.0f));
 
     EXPECT_TRUE(XRGBFloat32Colour().IsBlack());
-    EXPECT_TRUE(XRGBFloat32Colour().IsGrey());
-    EXPECT_FALSE(XRGBFloat32Colour().IsPrimary());
     EXPECT_TRUE(XRGBFloat32Colour(0.2f, 0.2f, 0.2f).IsGrey());
-    EXPECT_TRUE(XRGBFloat32Colour(0.7f, 0.0f, 0.0f).IsRed());
     EXPECT_TRUE(XRGBFloat32Colour(0.0f, 0.7f, 0.0f).IsGreen());
-    EXPECT_TRUE(XRGBFloat32Colour(0.0f, 0.0f, 0.7f).IsBlue());
     EXPECT_TRUE(XRGBFloat32Colour(0.0f, 0.0f, 0.7f).IsPrimary());
     EXPECT_FALSE(XRGBFloat32Colour(0.1f, 0.0f, 0.7f).IsPrimary());
+    EXPECT_FALSE(XRGBFloat32Colour().IsPrimary());
 }

@@ -1,6 +1,7 @@
-// The entry points of XVectorMathTool: the fast logarithm's exact values, the forms built on
-// other operations, the assertions, the choice of implementation by processor feature,
-// VectorTransform on every implementation, and the session-log lines of TestFunctions.
+// The entry points of XVectorMathTool: the fast logarithm's exact values, the entropy kernels'
+// weight summed in order on every implementation, the forms built on other operations, the
+// assertions, the choice of implementation by processor feature, VectorTransform on every
+// implementation, and the session-log lines of TestFunctions.
 // Expected values are worked out by hand.
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <cmath>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -19,6 +21,7 @@
 #include "XFileSpec.h"
 #include "XIntelCPUInfo.h"
 #include "XInternalError.h"
+#include "XTestFloatBuffer.h"
 #include "XTestSupport.h"
 #include "XVectorMathTool.h"
 
@@ -93,6 +96,39 @@ TEST(FastLogarithm, EntropyGradientOfTheSearchKernels)
         EXPECT_FLOAT_EQ(o[1], -9.5451776f);
         EXPECT_FLOAT_EQ(q, 11.388802f);
     });
+}
+
+TEST(FastLogarithm, WeightedEntropySumsInOrderOnEveryImplementation)
+{
+    // 2^24 and then 999 ones. In order, each 1 added to 2^24 rounds back to it (a tie, to even):
+    // w = 16777216. The four running sums of the processor forms hold 2^24 plus 249 ones (still
+    // 2^24) and 250 ones in each other lane: 16777216 + 750 = 16777966. fastln(1) = 0, and
+    // fastln(2^24) = 24 * 0.6931472f = 24 * 11629080 / 2^24 is exact in float, so
+    // e = 24 * 11629080 = 279097920. In double, log(1) = 0 and logf(2^24) rounds to the same
+    // float; the weight is exact: 16777216 + 999.
+    XTestFloatBuffer a(1000, 0);
+    a[0] = 16777216.f;
+    for (UInt64 i = 1; i < 1000; ++i)
+        a[i] = 1.f;
+    auto expectEntropy = [&](XVectorMathToolImp & anImp) {
+        float e = 0.f, w = 0.f;
+        anImp.VectorWeightedEntropy(a, e, w, 1000);
+        EXPECT_EQ(w, 16777216.f);
+        EXPECT_EQ(e, 279097920.f);
+        double e64 = 0.0, w64 = 0.0;
+        anImp.VectorWeightedEntropy64(a, e64, w64, 1000);
+        EXPECT_EQ(w64, 16778215.0);
+        EXPECT_EQ(e64, 279097920.0);
+    };
+    ForEachImplementation([&] { expectEntropy(*XVectorMathTool::GetCurrentImplementation()); });
+    XIntelCPUInfo::SetFeatureEnabled(kCPUFeatureSSE2, false);
+    std::unique_ptr<XVectorMathToolImp> sse(XVectorMathTool::BuildOptimisedImplementation());
+    XIntelCPUInfo::ResetFeatures();
+    SCOPED_TRACE("SSE");
+    expectEntropy(*sse);
+    // The processor's own sum does differ on this array.
+    EXPECT_EQ(sse->VectorSum(a, 1000), 16777966.f);
+    EXPECT_EQ(XVectorMathTool::GetBestImplementation()->VectorSum(a, 1000), 16777966.f);
 }
 
 TEST(VectorMathTool, FormsBuiltOnOtherOperations)

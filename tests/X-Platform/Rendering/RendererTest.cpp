@@ -39,12 +39,10 @@ XARGB32Colour GreyColour(const XImageRenderer & aRenderer, T aVoxel)
 TEST(RendererDefaults, RangesAndWhitePointsPerClass)
 {
     EXPECT_EQ(XGrey8ImageRenderer().GetWhite(), 255.0);
-    EXPECT_EQ(XGrey16ImageRenderer().GetWhite(), 65535.0);
     EXPECT_EQ(XGrey16ImageRenderer().GetMaxInputValue(), 65535.0);
     EXPECT_EQ(XRGB48ImageRenderer().GetWhite(), 65535.0);
     EXPECT_EQ(XARGB32ImageRenderer().GetMaxInputValue(), 255.0);
     XFPImageRenderer real;
-    EXPECT_EQ(real.GetBlack(), 0.0);
     EXPECT_EQ(real.GetWhite(), 1.0);
     EXPECT_EQ(real.GetMaxInputValue(), 1.0);
     real.SetBlack(-3.0);
@@ -53,7 +51,6 @@ TEST(RendererDefaults, RangesAndWhitePointsPerClass)
     EXPECT_EQ(grey.GetBlackColour(), XARGB32Colour::kBlack);
     EXPECT_EQ(grey.GetWhiteColour(), XARGB32Colour::kWhite);
     EXPECT_EQ(grey.GetRendererType(), XImageRenderer::kRampRenderer);
-    EXPECT_TRUE(grey.IsNormal());
     EXPECT_TRUE(XGrey16ImageRenderer().IsNormal());
     EXPECT_EQ(grey.GetStreamUsage(), 80u);
     // The colour renderers have no end colours.
