@@ -23,7 +23,7 @@ class XLUTPixShader
     static_assert(std::is_same_v<T, UInt8> || std::is_same_v<T, UInt16>, "8- and 16-bit voxels");
 
 public:
-    explicit XLUTPixShader(const XBaseGreyImageRenderer & aRenderer) : itsRenderer(&aRenderer)
+    explicit XLUTPixShader(const XBaseGreyImageRenderer & aRenderer)
     {
         constexpr std::size_t kEntries = std::size_t(std::numeric_limits<T>::max()) + 1;
         itsLUT.reset(new (std::nothrow) UInt8[kEntries]);
@@ -38,7 +38,9 @@ public:
                 t = t > 0.0f ? t : 0.0f;
             else
                 t = 1.0f;
-            itsLUT[i] = UInt8(double(std::pow(t, gamma)) * 255.0);
+            // A gamma that is negative or not a number could leave 0..1: such levels saturate.
+            const double level = double(std::pow(t, gamma)) * 255.0;
+            itsLUT[i] = level < 255.0 ? (level > 0.0 ? UInt8(level) : 0) : 255;
         }
         const XARGB32Colour c0 = aRenderer.GetBlackColour(), c1 = aRenderer.GetWhiteColour();
         SetChannel(0, aRenderer.GetRedBalance(), c0.GetRed(), c1.GetRed());
@@ -63,7 +65,6 @@ private:
         itsBase[aChannel] = c0;
     }
 
-    const XBaseGreyImageRenderer * itsRenderer;
     std::unique_ptr<UInt8[]> itsLUT;
     SInt32 itsSlope[3] = {};
     SInt32 itsBase[3] = {};
