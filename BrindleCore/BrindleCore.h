@@ -18,6 +18,7 @@
 #include "XLock.h"
 #include "XLockable.h"
 #include "XMappedFileMemoryHandle.h"
+#include "XMathRect.h"
 #include "XMathVector.h"
 #include "XMemoryHandle.h"
 #include "XMemoryManager.h"

@@ -16,6 +16,7 @@
 #include "XImagingLibrary.h"
 #include "XInternalError.h"
 #include "XProgressStrategy.h"
+#include "XResampleCommand.h"
 #include "XSampleStack.h"
 #include "XSelfCheck.h"
 #include "XTerminalProgressStrategy.h"
@@ -73,6 +74,18 @@ const std::vector<XBrindleTool::XCommand> & XBrindleTool::GetCommands()
         {"invert", "IN OUT", "invert the voxels (maximum - value)",
          "Grey and colour volumes of 8 and 16 bits; float and BGRA32 volumes are refused.\n", 2, 2, kWriteOptions,
          &XBrindleTool::RunTool},
+        {"resample", "IN OUT (--size WxHxD | --scale S[,SY,SZ]) [--filter NAME]",
+         "resample a volume onto a new grid",
+         "Resamples every axis whose extent changes with a filter of the library (XVolumeResampleTool),\n"
+         "one axis at a time. It takes 8-bit grey and colour volumes (grey8, mask, argb32, bgra32):\n"
+         "convert others first.\n"
+         "  --size WxHxD       the new extents\n"
+         "  --scale S[,SY,SZ]  the new extents as factors of the old, rounded (one factor: every axis)\n"
+         "  --filter NAME      simple, triangle, bell, bspline or lanczos3 (default: the smooth step\n"
+         "                     'simple' where an axis shrinks, 'bell' where it grows)\n"
+         "The origin stays; the voxel size grows as the grid shrinks, so the stack spans the same\n"
+         "length.\n",
+         2, 2, XResampleCommand::GetOptions(), &XBrindleTool::RunResample},
         {"sample", "OUT.bvol", "write the built-in sample stack",
          "A synthetic 3-D fluorescence stack, the same on every machine: 256 x 256 x 32 voxels of\n"
          "16 bits, voxel size 0.2 x 0.2 x 0.5 micrometres, a few hundred blurred spots and five cells\n"
@@ -290,6 +303,16 @@ void XBrindleTool::RunTool(const XCommand & aCommand, const XCommandLine & aLine
     std::unique_ptr<XVolume> volume = XVolumeFiles::Read(aLine.GetPositionals()[0]);
     std::unique_ptr<XVolume> result(tool->ApplyTool(*volume));
     WriteResult(*result, output, aLine);
+}
+
+void XBrindleTool::RunResample(const XCommand &, const XCommandLine & aLine)
+{
+    const std::string & output = aLine.GetPositionals()[1];
+    XVolumeFiles::KindOf(output);
+    const XFilterMode mode = XResampleCommand::GetFilterMode(aLine);
+    std::unique_ptr<XVolume> volume = XVolumeFiles::Read(aLine.GetPositionals()[0]);
+    const X3DRect bounds = XResampleCommand::GetTargetBounds(aLine, volume->GetBounds());
+    WriteResult(*XResampleCommand::Resample(*volume, bounds, mode), output, aLine);
 }
 
 void XBrindleTool::RunSample(const XCommand &, const XCommandLine & aLine)
