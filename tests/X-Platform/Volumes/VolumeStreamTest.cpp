@@ -287,10 +287,6 @@ TEST(VolumeStream, LegacyImagesWithTheirRectangle)
     XBytes object;
     object.Words({4, 34, 34, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words({0});
     EXPECT_TRUE(*ReadBack<XGrey8Volume>(object.Get()) == *grey);
-    // A legacy table that this version cannot turn into a renderer is refused.
-    XBytes withTable;
-    withTable.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words({23, 65559});
-    EXPECT_NE(ErrorReading(withTable.Get()), 0u);
 }
 
 TEST(VolumeStream, LegacyMaskWasStoredInvertedWithPaddedRows)
