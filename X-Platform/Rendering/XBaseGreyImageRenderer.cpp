@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "XException.h"
-#include "XIntToColourLUT.h"
 #include "XCheckedArithmetic.h"
 #include "XException.h"
 #include "XIntToColourLUT.h"
