@@ -166,7 +166,8 @@ public:
     // extent where aBox has one too, has no scale: an internal error.
     void ScaleTo(const X3DRect & aBox);
     // Scales about the centre: the new extent is floor(extent * factor + 0.5), and the low edge
-    // moves by half the change (signed, truncating).
+    // moves by half the change (signed, truncating). A NaN or infinite factor is an internal
+    // error.
     void ScaleBy(double aScaleX, double aScaleY, double aScaleZ);
     // Carries the box from the frame aSource to the frame aDest, rounding both edges with
     // floor(edge * dest extent / source extent + 0.5) in double; not normalised afterwards. A

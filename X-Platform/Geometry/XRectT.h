@@ -11,6 +11,7 @@
 // The fields are stored in the order left, top, bottom, right, which is the stream order too.
 
 #include <cmath>
+#include <utility>
 
 #include "XAssert.h"
 #include "XCheckedArithmetic.h"
