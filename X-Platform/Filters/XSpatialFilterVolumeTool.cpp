@@ -11,6 +11,7 @@
 #include "XFPVolume.h"
 #include "XGrey16Volume.h"
 #include "XGrey8Volume.h"
+#include "XNeighbourRows.h"
 #include "XNeighbourhoodScanner.h"
 #include "XSimdVector.h"
 #include "XWidestKernel.h"
@@ -40,7 +41,8 @@ class XSpatialFilterWorker
 {
 public:
     XSpatialFilterWorker(const float * aWeights, UInt32 aWidth, UInt32 aHeight, UInt32 aDepth, float aBias)
-        : itsWidth(aWidth), itsHeight(aHeight), itsDepth(aDepth), itsWeights(aWeights), itsBias(aBias)
+        : itsWidth(aWidth), itsHeight(aHeight), itsDepth(aDepth), itsWeights(aWeights), itsBias(aBias),
+          itsRows(-SInt64(aHeight >> 1), aHeight, -SInt64(aDepth >> 1), aDepth)
     {
     }
 
@@ -53,11 +55,7 @@ public:
         const UInt32 width = aSource.GetWidth();
         itsSums.resize(std::max<std::size_t>(itsSums.size(), width));
         itsResults.resize(std::max<std::size_t>(itsResults.size(), width));
-        // A colour channel is gathered, one row for each kernel row that can lie inside.
-        if (!itsSource.IsContiguous())
-            itsGathered.resize(std::max<std::size_t>(itsGathered.size(), std::min(itsHeight, aSource.GetHeight()) *
-                                                                             std::min(itsDepth, aSource.GetDepth()) *
-                                                                             UInt64(width)));
+        itsRows.Prepare(itsSource);
     }
 
     // The plain rule: every kernel entry in storage order, with the bounds test.
@@ -86,17 +84,17 @@ public:
     // same order as ScanVoxel.
     void ScanRow(SInt32 aX, UInt32 aCount, SInt32 aY, SInt32 aZ)
     {
-        CollectRows(aY, aZ);
         const SInt64 left = itsSource.GetBounds().GetLeft();
         const SInt64 right = itsSource.GetBounds().GetRight();
         const SInt64 end = SInt64(aX) + aCount;
         const SInt64 first = std::clamp<SInt64>(left + (itsWidth >> 1), aX, end);
         const SInt64 last = std::clamp<SInt64>(right - (itsWidth - 1 - (itsWidth >> 1)), first, end);
-        const SInt64 blocked = SumBlocks(aX, first, last);
+        const std::vector<XRow> & rows = itsRows.Collect(aY, aZ);
+        const SInt64 blocked = SumBlocks(rows, aX, first, last);
         float * sums = itsSums.data();
         std::fill(sums, sums + (first - aX), 0.0f);
         std::fill(sums + (blocked - aX), sums + aCount, 0.0f);
-        for (const XKernelRow & row : itsRows)
+        for (const XRow & row : rows)
         {
             AddRow(row, aX, aX, first);
             AddRow(row, aX, blocked, end);
@@ -111,52 +109,25 @@ public:
     }
 
 private:
-    // A row of the kernel that lies inside the source: its weights, and the source row (from
-    // x = left) that it reads.
-    struct XKernelRow
-    {
-        const float * itsWeights;
-        const C * itsValues;
-    };
-
-    // The kernel rows of voxel row (y, z) that lie inside the source, in storage order; a colour
-    // channel is gathered into rows of its own.
-    void CollectRows(SInt32 aY, SInt32 aZ)
-    {
-        const X3DRect & bounds = itsSource.GetBounds();
-        itsRows.clear();
-        const float * weights = itsWeights;
-        C * gathered = itsGathered.data();
-        for (UInt32 k = 0; k < itsDepth; ++k)
-            for (UInt32 j = 0; j < itsHeight; ++j, weights += itsWidth)
-            {
-                const SInt64 y = SInt64(aY) + j - (itsHeight >> 1);
-                const SInt64 z = SInt64(aZ) + k - (itsDepth >> 1);
-                if (y < bounds.GetTop() || y >= bounds.GetBottom() || z < bounds.GetFront() || z >= bounds.GetBack())
-                    continue;
-                itsRows.push_back({weights, itsSource.Row(SInt32(y), SInt32(z), gathered)});
-                if (!itsSource.IsContiguous())
-                    gathered += bounds.GetWidth();
-            }
-    }
+    using XRow = typename XNeighbourRows<C>::XRow;
 
     // The sums of the voxels aFirst .. anEnd - 1, whose kernel lies inside the source along x,
     // by vectors: four at a time, then one at a time, and a last one that ends at anEnd (sums
     // of some voxels made twice, the same each time). Returns where the vectors ended: anEnd
     // unless the voxels are fewer than one vector holds.
-    SInt64 SumBlocks(SInt32 aX, SInt64 aFirst, SInt64 anEnd)
+    SInt64 SumBlocks(const std::vector<XRow> & aRows, SInt32 aX, SInt64 aFirst, SInt64 anEnd)
     {
         SInt64 x = aFirst;
         XRunWidestVectorKernel([&](auto aBytes) {
             using Floats = XSimdVector<float, aBytes>;
             constexpr SInt64 kLanes = Floats::kLanes;
             for (; x + 4 * kLanes <= anEnd; x += 4 * kLanes)
-                SumVectors<Floats, 4>(aX, x);
+                SumVectors<Floats, 4>(aRows, aX, x);
             for (; x + kLanes <= anEnd; x += kLanes)
-                SumVectors<Floats, 1>(aX, x);
+                SumVectors<Floats, 1>(aRows, aX, x);
             if (x < anEnd && anEnd - aFirst >= kLanes)
             {
-                SumVectors<Floats, 1>(aX, anEnd - kLanes);
+                SumVectors<Floats, 1>(aRows, aX, anEnd - kLanes);
                 x = anEnd;
             }
         });
@@ -165,17 +136,18 @@ private:
 
     // The sums of kVectors vectors of voxels from x on, kept in registers over the whole kernel.
     template <class Floats, UInt32 kVectors>
-    void SumVectors(SInt32 aX, SInt64 anX)
+    void SumVectors(const std::vector<XRow> & aRows, SInt32 aX, SInt64 anX)
     {
         using Values = XSimdVector<C, Floats::kLanes * sizeof(C)>;
         typename Floats::Type sum[kVectors] = {};
         const SInt64 start = SInt64(itsSource.GetBounds().GetLeft()) + (itsWidth >> 1);
-        for (const XKernelRow & row : itsRows)
+        for (const XRow & row : aRows)
         {
             const C * in = row.itsValues + (anX - start);
+            const float * weights = itsWeights + UInt64(row.itsIndex) * itsWidth;
             for (UInt32 i = 0; i < itsWidth; ++i)
             {
-                const typename Floats::Type weight = typename Floats::Type{} + row.itsWeights[i];
+                const typename Floats::Type weight = typename Floats::Type{} + weights[i];
                 for (UInt32 b = 0; b < kVectors; ++b)
                 {
                     typename Values::Type values;
@@ -190,7 +162,7 @@ private:
 
     // Adds the products of one kernel row to the sums of the voxels aFirst .. anEnd - 1 of the
     // row that begins at aX, entry by entry: for each its reach inside the source along x.
-    void AddRow(const XKernelRow & aRow, SInt32 aX, SInt64 aFirst, SInt64 anEnd)
+    void AddRow(const XRow & aRow, SInt32 aX, SInt64 aFirst, SInt64 anEnd)
     {
         if (aFirst >= anEnd)
             return;
@@ -203,7 +175,7 @@ private:
                 const SInt64 dx = SInt64(i) - (itsWidth >> 1);
                 const SInt64 first = std::max<SInt64>(aFirst, left - dx);
                 const SInt64 end = std::min<SInt64>(anEnd, right - dx);
-                const float weight = aRow.itsWeights[i];
+                const float weight = itsWeights[UInt64(aRow.itsIndex) * itsWidth + i];
                 const C * in = aRow.itsValues + (first + dx - left);
                 float * out = sums + (first - aFirst);
                 for (SInt64 m = 0; m < end - first; ++m)
@@ -222,8 +194,7 @@ private:
     XDestChannel<C> itsDest;
     std::vector<float> itsSums;
     std::vector<C> itsResults;
-    std::vector<C> itsGathered;
-    std::vector<XKernelRow> itsRows;
+    XNeighbourRows<C> itsRows;
 };
 } // namespace
 

@@ -20,6 +20,7 @@
 //
 // A copy shares the weights of its origin (a shallow copy); the array lives as long as either.
 
+#include <initializer_list>
 #include <memory>
 
 #include "X1To1VolumeTool.h"
