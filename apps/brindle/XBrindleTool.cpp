@@ -11,6 +11,7 @@
 #include "XCommandError.h"
 #include "XDemo.h"
 #include "XException.h"
+#include "XFilterCommands.h"
 #include "XGrey16Volume.h"
 #include "XImagingErrors.h"
 #include "XImagingLibrary.h"
@@ -122,6 +123,51 @@ const std::vector<XBrindleTool::XCommand> & XBrindleTool::GetCommands()
          "The origin stays; the voxel size grows as the grid shrinks, so the stack spans the same\n"
          "length.\n",
          2, 2, XResampleCommand::GetOptions(), &XBrindleTool::RunResample},
+        {"median", "IN OUT [--size N] [--hybrid]", "smooth with a median filter",
+         "Each voxel becomes the median of the cube of N x N x N voxels around it, of those that lie\n"
+         "inside the volume (fewer at edges and corners; of an even count the lower middle one). Colour\n"
+         "volumes go channel by channel; alpha becomes 0. BGRA32 and 32-bit grey volumes are refused.\n"
+         "  --size N    the cube's size, 1..99 (default 3)\n"
+         "  --hybrid    the hybrid median instead: the median of seven medians over the lines and\n"
+         "              diagonals through the voxel, which keeps thin lines and corners (an even size\n"
+         "              goes up by one)\n",
+         2, 2,
+         {{"size", true}, {"hybrid", false}, {"plane", true}, {"bits", true}},
+         &XBrindleTool::RunFilter},
+        {"dilate", "IN OUT [--iterations N] [--element cross|box]", "grey-scale dilation (the brightest neighbour)",
+         "Each voxel becomes the brightest of itself and its neighbours inside the volume, colour voxels\n"
+         "by their largest channel. Grey, float and ARGB32 volumes.\n"
+         "  --iterations N       how many times, 1..100 (default 1)\n"
+         "  --element cross|box  the six face neighbours (default) or all 26 of the 3 x 3 x 3 cube\n",
+         2, 2,
+         {{"iterations", true}, {"element", true}, {"plane", true}, {"bits", true}},
+         &XBrindleTool::RunFilter},
+        {"erode", "IN OUT [--iterations N] [--element cross|box] [--edge-black]",
+         "grey-scale erosion (the darkest neighbour)",
+         "Each voxel becomes the darkest of itself and its neighbours inside the volume, colour voxels\n"
+         "by their largest channel. Grey, float and ARGB32 volumes.\n"
+         "  --iterations N       how many times, 1..100 (default 1)\n"
+         "  --element cross|box  the six face neighbours (default) or all 26 of the 3 x 3 x 3 cube\n"
+         "  --edge-black         the outside counts as black: the volume is eaten in from its faces\n",
+         2, 2,
+         {{"iterations", true}, {"element", true}, {"edge-black", false}, {"plane", true}, {"bits", true}},
+         &XBrindleTool::RunFilter},
+        {"convolve", "IN OUT (--kernel FILE | --mean N | --gaussian SIGMA) [--bias B]",
+         "convolve with a kernel of weights",
+         "Each voxel becomes trunc(sum of weight x voxel + bias) over a box around it, the weights divided\n"
+         "by their sum unless it is 0. Edges darken (the outside adds nothing), and 8 and 16-bit results\n"
+         "keep their low bits instead of clamping. Grey, float and ARGB32 volumes (alpha, red and green;\n"
+         "blue becomes 0).\n"
+         "  --kernel FILE     whitespace-separated numbers: width, height and depth, then the weights,\n"
+         "                    x fastest\n"
+         "  --mean N          N x N x N equal weights, 1..21\n"
+         "  --gaussian SIGMA  a Gaussian of SIGMA voxels (up to 10), out to 3 SIGMA\n"
+         "  --bias B          added to every result (default 0)\n"
+         "On a volume of one plane --mean and --gaussian make flat kernels. A kernel has at most 10000\n"
+         "weights.\n",
+         2, 2,
+         {{"kernel", true}, {"mean", true}, {"gaussian", true}, {"bias", true}, {"plane", true}, {"bits", true}},
+         &XBrindleTool::RunFilter},
         {"sample", "OUT.bvol", "write the built-in sample stack",
          "A synthetic 3-D fluorescence stack, the same on every machine: 256 x 256 x 32 voxels of\n"
          "16 bits, voxel size 0.2 x 0.2 x 0.5 micrometres, a few hundred blurred spots and five cells\n"
@@ -368,6 +414,14 @@ void XBrindleTool::RunResample(const XCommand &, const XCommandLine & aLine)
     std::unique_ptr<XVolume> volume = XVolumeFiles::Read(aLine.GetPositionals()[0]);
     const X3DRect bounds = XResampleCommand::GetTargetBounds(aLine, volume->GetBounds());
     WriteResult(*XResampleCommand::Resample(*volume, bounds, mode), output, aLine);
+void XBrindleTool::RunFilter(const XCommand & aCommand, const XCommandLine & aLine)
+{
+    const XFilterCommands filter(aCommand.itsName, aLine);
+    const std::string & output = aLine.GetPositionals()[1];
+    XVolumeFiles::KindOf(output);
+    std::unique_ptr<XVolume> volume = XVolumeFiles::Read(aLine.GetPositionals()[0]);
+    std::unique_ptr<XVolume> result(filter.MakeTool(*volume)->ApplyTool(*volume));
+    WriteResult(*result, output, aLine);
 }
 
 void XBrindleTool::RunSample(const XCommand &, const XCommandLine & aLine)

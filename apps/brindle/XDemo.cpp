@@ -1,5 +1,6 @@
 #include "XDemo.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -17,6 +18,7 @@
 #include "XImageRenderer.h"
 #include "XImagingLibrary.h"
 #include "XLock.h"
+#include "XMedianFilterVolumeTool.h"
 #include "XMemoryHandle.h"
 #include "XProgress.h"
 #include "XResampleCommand.h"
@@ -136,7 +138,8 @@ std::string XDemo::Run()
                            {"Conversions (CopyIn)", &XDemo::ConvertTypes},
                            {"Tools", &XDemo::ApplyTools},
                            {"Planes", &XDemo::ExtractPlanes},
-                           {"Resampling", &XDemo::ResampleSample}};
+                           {"Resampling", &XDemo::ResampleSample},
+                           {"Median filter", &XDemo::FilterMedian}};
     XProgress progress(std::size(steps), XProgress::kProgressWithEstimate, XProgress::kDefaultDelayMs, false);
     UInt32 number = 0;
     for (const XStep & step : steps)
@@ -397,4 +400,47 @@ void XDemo::ResampleSample()
     WriteFile(*reduced, "sample-half.bvol");
     WriteFile(*reduced, "sample-half-xy-8.png", SInt32(XSampleStack::kDepth / 4));
     Say("wrote sample-half.bvol and its middle plane as sample-half-xy-8.png");
+}
+
+void XDemo::FilterMedian()
+{
+    const XStepTimer timer;
+    XMedianFilterVolumeTool median(3);
+    const std::unique_ptr<XVolume> result(median.ApplyTool(*itsSample));
+    Say("median of 3 x 3 x 3 in " + timer.Elapsed() + ": " + Statistics(*result));
+    const auto & smoothed = dynamic_cast<const XGrey16Volume &>(*result);
+    // The median of the voxels of the cube that lie inside, taken here with the standard library.
+    const auto cubeMedian = [&](const X3DPoint & p) {
+        std::vector<UInt16> values;
+        const X3DRect & b = itsSample->GetBounds();
+        for (SInt32 z = std::max(p.GetZ() - 1, b.GetFront()); z <= std::min(p.GetZ() + 1, b.GetBack() - 1); ++z)
+            for (SInt32 y = std::max(p.GetY() - 1, b.GetTop()); y <= std::min(p.GetY() + 1, b.GetBottom() - 1); ++y)
+                for (SInt32 x = std::max(p.GetX() - 1, b.GetLeft()); x <= std::min(p.GetX() + 1, b.GetRight() - 1); ++x)
+                    values.push_back(itsSample->GetVoxel(x, y, z));
+        std::nth_element(values.begin(), values.begin() + std::ptrdiff_t((values.size() - 1) / 2), values.end());
+        return values[(values.size() - 1) / 2];
+    };
+    bool same = true;
+    // The mean step between neighbours along x, before and after: the noise that the filter takes.
+    double before = 0.0;
+    double after = 0.0;
+    {
+        XLock lockSample(*itsSample, kLockRead);
+        XLock lockResult(smoothed, kLockRead);
+        for (const X3DPoint & p : ProbePoints())
+            same = same && smoothed.GetVoxel(p.GetX(), p.GetY(), p.GetZ()) == cubeMedian(p);
+        for (SInt32 y = 0; y < SInt32(XSampleStack::kHeight); ++y)
+            for (SInt32 x = 1; x < SInt32(XSampleStack::kWidth); ++x)
+            {
+                before += std::abs(itsSample->GetVoxel(x, y, kMiddlePlane) - itsSample->GetVoxel(x - 1, y, kMiddlePlane));
+                after += std::abs(smoothed.GetVoxel(x, y, kMiddlePlane) - smoothed.GetVoxel(x - 1, y, kMiddlePlane));
+            }
+    }
+    const double steps = double(XSampleStack::kHeight) * (XSampleStack::kWidth - 1);
+    Say("mean step between x neighbours in plane 16: " + XVolumeReport::Rounded(before / steps) + " before, " +
+        XVolumeReport::Rounded(after / steps) + " after");
+    Check("at the probes the median is that of the voxels of the cube inside the stack", same);
+    Check("the filter takes noise: neighbours differ less", after < before);
+    WriteFile(*result, "sample-median-xy-16.png", kMiddlePlane, 8);
+    Say("wrote sample-median-xy-16.png");
 }

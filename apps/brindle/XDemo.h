@@ -11,6 +11,7 @@
 //   7. plane extraction: XY, XZ and YZ planes, the last two scaled to square pixels;
 //   8. resampling: the stack in 8 bits reduced to half its extents with the triangle filter,
 //      with a PNG of its middle plane.
+//   9. a median filter of size 3, with a PNG of its middle plane.
 // Steps check what can be told without the library (a voxel of a conversion, a round trip that
 // must give the original back); the report counts the checks that failed.
 
@@ -45,6 +46,7 @@ private:
     void ApplyTools();
     void ExtractPlanes();
     void ResampleSample();
+    void FilterMedian();
 
     // The path of a file in the output folder.
     std::string PathOf(const std::string & aName) const;

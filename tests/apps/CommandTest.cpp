@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "XARGB32Volume.h"
 #include "XBrindleRun.h"
 #include "XFPVolume.h"
@@ -130,6 +132,49 @@ TEST_F(Commands, ToolsMoveAndInvertVoxels)
     EXPECT_EQ(Files(), (std::vector<std::string>{"out.bvol", "s.bvol", "s.png"}));
 }
 
+// On 1 2 3 over 4 5 6: the median of the voxels inside each 3 x 3 cube (the lower middle of an
+// even count), the brightest and darkest of the face neighbours, the mean of nine by truncation,
+// and an edge detector with a bias.
+TEST_F(Commands, FiltersMakeTheirValuesByHand)
+{
+    WriteSmall("s.bvol");
+    std::ofstream(PathOf("edge.txt")) << "3 1 1\n-1 2 -1\n";
+    struct XCase
+    {
+        std::vector<std::string> itsArguments;
+        std::vector<UInt16> itsVoxels;
+    };
+    const XCase cases[] = {{{"median", "s.bvol", "out.bvol"}, {2, 3, 3, 2, 3, 3}},
+                           {{"median", "s.bvol", "out.bvol", "--size", "1"}, {1, 2, 3, 4, 5, 6}},
+                           {{"dilate", "s.bvol", "out.bvol"}, {4, 5, 6, 5, 6, 6}},
+                           {{"dilate", "s.bvol", "out.bvol", "--element", "box"}, {5, 6, 6, 5, 6, 6}},
+                           {{"dilate", "s.bvol", "out.bvol", "--element", "box", "--iterations", "2"}, {6, 6, 6, 6, 6, 6}},
+                           {{"erode", "s.bvol", "out.bvol"}, {1, 1, 2, 1, 2, 3}},
+                           // One plane: the points in z lie outside.
+                           {{"erode", "s.bvol", "out.bvol", "--edge-black"}, {0, 0, 0, 0, 0, 0}},
+                           // 12, 21 and 16 ninths; the kernel is flat on one plane.
+                           {{"convolve", "s.bvol", "out.bvol", "--mean", "3"}, {1, 2, 1, 1, 2, 1}},
+                           {{"convolve", "s.bvol", "out.bvol", "--kernel", "edge.txt", "--bias", "100"},
+                            {100, 100, 104, 103, 100, 107}}};
+    for (const XCase & aCase : cases)
+    {
+        const XBrindleResult result = Run(aCase.itsArguments);
+        ASSERT_EQ(result.itsStatus, 0) << aCase.itsArguments[0] << ": " << result;
+        EXPECT_EQ(VoxelsOf<XGrey16Volume>("out.bvol"), aCase.itsVoxels) << aCase.itsArguments[0];
+    }
+
+    // The hybrid median changes only the centre of this plane: its seven medians are 3, 3, 4, 4,
+    // 7, 7, 7.
+    XGrey8Volume plane(X3DRect(3, 3, 1));
+    XSetVoxels<UInt8>(plane, {9, 1, 5, 3, 7, 2, 8, 4, 6});
+    XWriteVolumeFile(plane, PathOf("p.bvol"));
+    ASSERT_EQ(Run({"median", "p.bvol", "h.bvol", "--hybrid"}).itsStatus, 0);
+    EXPECT_EQ(VoxelsOf<XGrey8Volume>("h.bvol"), (std::vector<UInt8>{9, 1, 5, 3, 4, 2, 8, 4, 6}));
+    const XBrindleResult gaussian = Run({"convolve", "p.bvol", "g.png", "--gaussian", "0.8"});
+    EXPECT_EQ(gaussian.itsStatus, 0) << gaussian;
+    EXPECT_EQ(XReadPng(PathOf("g.png")).itsWidth, 3u);
+}
+
 TEST_F(Commands, SampleWritesTheBuiltInStack)
 {
     const XBrindleResult result = Run({"sample", "sample.bvol"});
@@ -154,8 +199,8 @@ TEST_F(Commands, DemoWritesItsFilesAndReport)
     ASSERT_EQ(result.itsStatus, 0) << result;
     const std::string report = XReadText(itsFolder / "out" / "report.txt");
     EXPECT_EQ(result.itsOut, report);
-    EXPECT_NE(report.find("\nChecks: 22 passed, 0 failed\n"), std::string::npos) << report;
-    for (const char * name : {"sample.bvol", "sample.tif", "sample-grey8.bvol", "sample-float.bvol"})
+    EXPECT_NE(report.find("\nChecks: 24 passed, 0 failed\n"), std::string::npos) << report;
+    for (const char * name : {"sample.bvol", "sample.tif", "sample-grey8.bvol", "sample-float.bvol", "sample-median-xy-16.png"})
         EXPECT_TRUE(std::filesystem::exists(itsFolder / "out" / name)) << name;
     const XPngPicture xz = XReadPng((itsFolder / "out" / "plane-xz-70.png").string());
     EXPECT_EQ(xz.itsWidth, 256u);
@@ -179,7 +224,8 @@ TEST_F(Commands, HelpVersionAndSelfCheck)
     const XBrindleResult usage = Run({"--help"});
     EXPECT_EQ(usage.itsStatus, 0);
     for (const char * name : {"info", "import", "export", "convert", "flip-h", "flip-v", "rotate-cw", "rotate-ccw",
-                              "rotate-180", "invert", "resample", "sample", "demo", "self-check"})
+                              "rotate-180", "invert", "resample", "median", "dilate", "erode", "convolve", "sample", "demo",
+                              "self-check"})
     {
         EXPECT_NE(usage.itsOut.find(std::string("\n  ") + name + " "), std::string::npos) << name;
         const XBrindleResult help = Run({name, "--help"});

@@ -219,6 +219,43 @@ TEST_F(Failures, TypesThatACommandOrToolRefuses)
     ExpectFailure({"info", "good.png"}, kBadCommandLine, "PNG files are written only");
 }
 
+TEST_F(Failures, FilterOptionsAndKernelFiles)
+{
+    ExpectFailure({"median", "good.bvol", "out.bvol", "--size", "0"}, kBadCommandLine,
+                  "option '--size' needs a whole number in 1..99, not '0'");
+    ExpectFailure({"dilate", "good.bvol", "out.bvol", "--element", "star"}, kBadCommandLine,
+                  "option '--element' is cross or box, not 'star'");
+    ExpectFailure({"dilate", "good.bvol", "out.bvol", "--edge-black"}, kBadCommandLine, "unknown option '--edge-black'");
+    ExpectFailure({"erode", "good.bvol", "out.bvol", "--iterations", "0"}, kBadCommandLine,
+                  "option '--iterations' needs a whole number in 1..100");
+    ExpectFailure({"convolve", "good.bvol", "out.bvol"}, kBadCommandLine,
+                  "one of '--kernel FILE', '--mean N' and '--gaussian SIGMA' is needed");
+    ExpectFailure({"convolve", "good.bvol", "out.bvol", "--mean", "3", "--gaussian", "1"}, kBadCommandLine,
+                  "one of '--kernel FILE'");
+    ExpectFailure({"convolve", "good.bvol", "out.bvol", "--gaussian", "0"}, kBadCommandLine,
+                  "option '--gaussian' needs a sigma above 0 and at most 10");
+    ExpectFailure({"convolve", "good.bvol", "out.bvol", "--gaussian", "5"}, kBadCommandLine,
+                  "a Gaussian of sigma 5 needs 29791 weights; at most 10000 are allowed");
+    ExpectFailure({"convolve", "good.bvol", "out.bvol", "--mean", "3", "--bias", "nan"}, kBadCommandLine,
+                  "option '--bias' needs a number, not 'nan'");
+    ExpectFailure({"convolve", "good.bvol", "out.bvol", "--kernel", "none.txt"}, kBadInput,
+                  "cannot read the kernel file 'none.txt'");
+    const std::pair<const char *, const char *> kernels[] = {
+        {"3 1 1 1 2", "holds 2 weights for a kernel of 3 x 1 x 1"},
+        {"3 1 1 1 2 x", "holds 'x', which is not a number"},
+        {"0 1 1", "does not begin with its width, height and depth"},
+        {"2.5 1 1 1 1", "does not begin with its width, height and depth"},
+        {"200 200 1 1", "has 40000 weights; at most 10000 are allowed"},
+        {"", "does not begin with its width, height and depth"}};
+    for (const auto & [text, message] : kernels)
+    {
+        WriteBytes(PathOf("k.txt"), text);
+        ExpectFailure({"convolve", "good.bvol", "out.bvol", "--kernel", "k.txt"}, kBadInput, message);
+    }
+    ExpectFailure({"median", "deep.bvol", "out.bvol"}, kBadInput,
+                  "this tool does not handle volumes of the type 32-bit Grayscale Image");
+}
+
 TEST_F(Failures, BadCommandLines)
 {
     const XBrindleResult none = Run({});
