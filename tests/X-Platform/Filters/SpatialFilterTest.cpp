@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -177,4 +178,9 @@ TEST(SpatialFilter, TheRowMethodGivesThePlainRuleBitForBit)
         EXPECT_TRUE(XEveryPathAgrees(tool, real)) << k.itsWidth << "x" << k.itsHeight << "x" << k.itsDepth;
         EXPECT_TRUE(XEveryPathAgrees(tool, colour)) << k.itsWidth << "x" << k.itsHeight << "x" << k.itsDepth;
     }
+    // Weights that are not finite make NaNs: the edges then go by the plain rule.
+    const float infinite[] = {1.0f, 2.0f, std::numeric_limits<float>::infinity(), 1.0f, 0.0f, -1.0f};
+    XSpatialFilterVolumeTool tool(infinite, 3, 2, 1, 0.0f);
+    EXPECT_TRUE(XEveryPathAgrees(tool, grey16));
+    EXPECT_TRUE(XEveryPathAgrees(tool, real));
 }
