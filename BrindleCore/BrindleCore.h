@@ -3,6 +3,7 @@
 
 #include "XAssert.h"
 #include "XByteSwap.h"
+#include "XCheckedArithmetic.h"
 #include "XClassRegistry.h"
 #include "XConditionVariable.h"
 #include "XDataFetcher.h"
@@ -18,6 +19,7 @@
 #include "XLock.h"
 #include "XLockable.h"
 #include "XMappedFileMemoryHandle.h"
+#include "XMathRect.h"
 #include "XMathVector.h"
 #include "XMemoryHandle.h"
 #include "XMemoryManager.h"

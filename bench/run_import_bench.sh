@@ -10,15 +10,7 @@ set -euo pipefail
 top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 python=/usr/bin/python3
 
-missing=()
-command -v tiffcp >/dev/null || missing+=(libtiff-tools)
-[ -x "$python" ] || missing+=(python3)
-if [ ${#missing[@]} -ne 0 ]; then
-    sudo=""
-    [ "$(id -u)" -ne 0 ] && sudo="sudo"
-    $sudo apt-get update -q >/dev/null
-    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}" >/dev/null
-fi
+"$top/bench/install_missing.sh" tiffcp=libtiff-tools "$python=python3"
 
 export BRINDLE_BUILD_DIR="${BRINDLE_BUILD_DIR:-$top/build}"
 "$top/scripts/build.sh" >/dev/null

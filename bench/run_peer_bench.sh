@@ -6,6 +6,7 @@
 #              (default: build/bench-data)
 # Environment:
 #   BENCH_PEERS   the peers' folder (default: ../shared/bench-peers beside the project)
+#   BENCH_REPEATS timed repetitions of numpy's rows and of our region rows (default 7)
 # Installs Debian's python3-numpy when Debian's python3 lacks it, builds the project, and prints
 # one CSV table: the volume and region rows of ours, then numpy's for the same workloads.
 set -euo pipefail

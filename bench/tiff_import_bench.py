@@ -20,13 +20,15 @@ WIDTH, HEIGHT, DEPTH = 512, 512, 64
 WORKLOAD = "tiff-import-512x512x64-u16"
 
 
-def write_stack(path):
-    page_bytes = WIDTH * HEIGHT * 2
-    description = (f"ImageJ=1.54f\nimages={DEPTH}\nslices={DEPTH}\nunit=micron\n"
+def write_stack(path, width=WIDTH, height=HEIGHT, depth=DEPTH, layout=None):
+    """layout: the description's lines of channels, slices and frames (default: depth slices)."""
+    page_bytes = width * height * 2
+    layout = layout or f"slices={depth}\n"
+    description = (f"ImageJ=1.54f\nimages={depth}\n{layout}unit=micron\n"
                    f"spacing=0.5\nloop=false\n").encode() + b"\0"
     data_start = 8 + len(description)
     data_start += data_start % 2
-    ifd_start = data_start + page_bytes * DEPTH
+    ifd_start = data_start + page_bytes * depth
     entries = 14
     ifd_size = 2 + entries * 12 + 4 + 16  # the entries, the next offset, two rationals
     with open(path + ".part", "wb") as out:
@@ -34,23 +36,23 @@ def write_stack(path):
         out.write(description)
         out.write(b"\0" * (data_start - 8 - len(description)))
         pixels = random.Random(8).randbytes(page_bytes)
-        for _ in range(DEPTH):
+        for _ in range(depth):
             out.write(pixels)
-            pixels = pixels[2 * WIDTH:] + pixels[:2 * WIDTH]  # each page rolled by a row
-        for page in range(DEPTH):
+            pixels = pixels[2 * width:] + pixels[:2 * width]  # each page rolled by a row
+        for page in range(depth):
             here = ifd_start + page * ifd_size
             rationals = here + 2 + entries * 12 + 4
             tags = [
                 (254, 4, 1, 0),
-                (256, 4, 1, WIDTH),
-                (257, 4, 1, HEIGHT),
+                (256, 4, 1, width),
+                (257, 4, 1, height),
                 (258, 3, 1, 16),
                 (259, 3, 1, 1),
                 (262, 3, 1, 1),
                 (270, 2, len(description), 8) if page == 0 else (270, 2, 1, 0),
                 (273, 4, 1, data_start + page * page_bytes),
                 (277, 3, 1, 1),
-                (278, 4, 1, HEIGHT),
+                (278, 4, 1, height),
                 (279, 4, 1, page_bytes),
                 (282, 5, 1, rationals),
                 (283, 5, 1, rationals + 8),
@@ -60,7 +62,7 @@ def write_stack(path):
             for tag, kind, count, value in tags:
                 packed = struct.pack("<H", value) + b"\0\0" if kind == 3 else struct.pack("<I", value)
                 out.write(struct.pack("<HHI", tag, kind, count) + packed)
-            following = here + ifd_size if page + 1 < DEPTH else 0
+            following = here + ifd_size if page + 1 < depth else 0
             out.write(struct.pack("<I", following))
             out.write(struct.pack("<IIII", 5, 1, 5, 1))  # 5 pixels a micrometre
     os.replace(path + ".part", path)

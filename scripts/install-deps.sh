@@ -11,6 +11,8 @@ packages=(
     zlib1g-dev
     libtiff-dev
     libpng-dev
+    libexpat1-dev
+    pkg-config
 )
 
 missing=()

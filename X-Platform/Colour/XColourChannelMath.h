@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "XAssert.h"
+#include "XCheckedArithmetic.h"
 #include "XTypes.h"
 
 template <typename T>
@@ -47,10 +48,11 @@ struct XColourChannelMath
         return T(value < 0 ? 0 : (value > SInt64(kMax) ? SInt64(kMax) : value));
     }
     // Truncation of aValue * 255.0 (or 65535.0) into the channel without a clamp: the integer
-    // part wraps into the channel's bits.
+    // part wraps into the channel's bits. NaN, an infinity or a product beyond 64 bits is an
+    // internal error.
     static constexpr T FromUnitFloat(double aValue)
     {
-        return T(SInt64(aValue * double(kMax)));
+        return T(XCheckedTruncate<SInt64>(aValue * double(kMax)));
     }
     static constexpr T Largest(T a, T b, T c) { return a > b ? (a > c ? a : c) : (b > c ? b : c); }
     static constexpr T Smallest(T a, T b, T c) { return a < b ? (a < c ? a : c) : (b < c ? b : c); }

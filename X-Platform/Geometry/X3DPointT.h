@@ -5,6 +5,7 @@
 #include <cmath>
 #include <type_traits>
 
+#include "XCheckedArithmetic.h"
 #include "XPointT.h"
 #include "XTypes.h"
 #include "XVector.h"
@@ -67,10 +68,9 @@ public:
     }
     constexpr X3DPointT & operator/=(const X3DPointT & aPoint)
     {
-        x /= aPoint.x;
-        y /= aPoint.y;
-        z /= aPoint.z;
-        return *this;
+        // All quotients first, so a refused division leaves the point as it was.
+        X3DPointT quotient(XCheckedDivide(x, aPoint.x), XCheckedDivide(y, aPoint.y), XCheckedDivide(z, aPoint.z));
+        return *this = quotient;
     }
     constexpr X3DPointT & operator*=(T aScalar)
     {
@@ -81,10 +81,7 @@ public:
     }
     constexpr X3DPointT & operator/=(T aScalar)
     {
-        x /= aScalar;
-        y /= aScalar;
-        z /= aScalar;
-        return *this;
+        return *this /= X3DPointT(aScalar, aScalar, aScalar);
     }
     constexpr X3DPointT operator+(const X3DPointT & aPoint) const { return X3DPointT(*this) += aPoint; }
     constexpr X3DPointT operator-(const X3DPointT & aPoint) const { return X3DPointT(*this) -= aPoint; }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "XAssert.h"
+#include "XCheckedArithmetic.h"
 #include "XGeometryRounding.h"
 #include "XRect.h"
 #include "XRectF.h"
@@ -10,19 +12,40 @@
 
 namespace
 {
-// Extent * factor, truncated toward zero (through a signed value, so that a negative result
-// wraps instead of being undefined).
+// Extent * factor, truncated toward zero or rounded half up, through a signed value so that a
+// negative result wraps instead of being undefined; NaN or a value beyond 64 bits is an
+// internal error.
 UInt32 TruncatedLength(UInt32 anExtent, double aFactor)
 {
-    return UInt32(SInt64(double(anExtent) * aFactor));
+    return UInt32(XCheckedTruncate<SInt64>(double(anExtent) * aFactor));
+}
+
+UInt32 RoundedLength(UInt32 anExtent, double aFactor)
+{
+    return UInt32(XCheckedTruncate<SInt64>(std::floor(double(anExtent) * aFactor + 0.5)));
+}
+
+// aDest over anExtent, one ratio of ScaleTo: 0 / 0 has none.
+double ExtentRatio(UInt32 aDest, UInt32 anExtent)
+{
+    XAssertText(anExtent != 0 || aDest != 0, "extent != 0 || destination extent != 0");
+    return double(aDest) / double(anExtent);
+}
+
+// An edge of Map: rounded, then moved by the destination's low edge, in double; the result
+// must land in the coordinate range.
+SInt32 MapEdge(SInt32 anEdge, SInt32 aSourceLow, UInt32 aSourceExtent, SInt32 aDestLow, UInt32 aDestExtent)
+{
+    const double scaled = double(SInt64(anEdge) - aSourceLow) * double(aDestExtent) / double(aSourceExtent);
+    return XCheckedTruncate<SInt32>(std::floor(scaled + 0.5) + double(aDestLow));
 }
 
 // One axis of Map: rounds both edges and does not normalise.
 void MapAxis(SInt32 & ioLow, SInt32 & ioHigh, SInt32 aSourceLow, UInt32 aSourceExtent, SInt32 aDestLow,
              UInt32 aDestExtent)
 {
-    ioLow = XRoundHalfUp(double(ioLow - aSourceLow) * double(aDestExtent) / double(aSourceExtent)) + aDestLow;
-    ioHigh = XRoundHalfUp(double(ioHigh - aSourceLow) * double(aDestExtent) / double(aSourceExtent)) + aDestLow;
+    ioLow = MapEdge(ioLow, aSourceLow, aSourceExtent, aDestLow, aDestExtent);
+    ioHigh = MapEdge(ioHigh, aSourceLow, aSourceExtent, aDestLow, aDestExtent);
 }
 } // namespace
 
@@ -136,9 +159,11 @@ void X3DRect::ConstrainWithin(const X3DRect & aBox)
 
 void X3DRect::ScaleTo(const X3DRect & aBox)
 {
-    double scale = std::min({double(aBox.GetWidth()) / double(GetWidth()),
-                             double(aBox.GetHeight()) / double(GetHeight()),
-                             double(aBox.GetDepth()) / double(GetDepth())});
+    double scale = std::min({ExtentRatio(aBox.GetWidth(), GetWidth()), ExtentRatio(aBox.GetHeight(), GetHeight()),
+                             ExtentRatio(aBox.GetDepth(), GetDepth())});
+    // A zero extent gives an infinite ratio, which the others outweigh; a box with no extent at
+    // all has no finite scale.
+    XAssertText(std::isfinite(scale), "scale is finite");
     SetDimensions(TruncatedLength(GetWidth(), scale), TruncatedLength(GetHeight(), scale),
                   TruncatedLength(GetDepth(), scale));
     CentreOn(aBox);
@@ -146,13 +171,14 @@ void X3DRect::ScaleTo(const X3DRect & aBox)
 
 void X3DRect::ScaleBy(double aScaleX, double aScaleY, double aScaleZ)
 {
-    XAxis::Resize(itsLeft, itsRight, UInt32(XRoundHalfUp(double(GetWidth()) * aScaleX)));
-    XAxis::Resize(itsTop, itsBottom, UInt32(XRoundHalfUp(double(GetHeight()) * aScaleY)));
-    XAxis::Resize(itsFront, itsBack, UInt32(XRoundHalfUp(double(GetDepth()) * aScaleZ)));
+    XAxis::Resize(itsLeft, itsRight, RoundedLength(GetWidth(), aScaleX));
+    XAxis::Resize(itsTop, itsBottom, RoundedLength(GetHeight(), aScaleY));
+    XAxis::Resize(itsFront, itsBack, RoundedLength(GetDepth(), aScaleZ));
 }
 
 void X3DRect::Map(const X3DRect & aSource, const X3DRect & aDest)
 {
+    XAssertText(!aSource.IsEmpty(), "source extent != 0");
     MapAxis(itsLeft, itsRight, aSource.itsLeft, aSource.GetWidth(), aDest.itsLeft, aDest.GetWidth());
     MapAxis(itsTop, itsBottom, aSource.itsTop, aSource.GetHeight(), aDest.itsTop, aDest.GetHeight());
     MapAxis(itsFront, itsBack, aSource.itsFront, aSource.GetDepth(), aDest.itsFront, aDest.GetDepth());

@@ -162,13 +162,17 @@ public:
     // aBox it is centred instead.
     void ConstrainWithin(const X3DRect & aBox);
     // The largest box of the same proportions that fits aBox (the smallest of the three ratios
-    // of extents), lengths truncated, centred on aBox.
+    // of extents), lengths truncated, centred on aBox. A box with no extent, or with a zero
+    // extent where aBox has one too, has no scale: an internal error.
     void ScaleTo(const X3DRect & aBox);
     // Scales about the centre: the new extent is floor(extent * factor + 0.5), and the low edge
-    // moves by half the change (signed, truncating).
+    // moves by half the change (signed, truncating). A NaN or infinite factor is an internal
+    // error.
     void ScaleBy(double aScaleX, double aScaleY, double aScaleZ);
     // Carries the box from the frame aSource to the frame aDest, rounding both edges with
-    // floor(edge * dest extent / source extent + 0.5) in double; not normalised afterwards.
+    // floor(edge * dest extent / source extent + 0.5) in double; not normalised afterwards. A
+    // source with a zero extent, or an edge landing outside the 32-bit range, is an internal
+    // error.
     void Map(const X3DRect & aSource, const X3DRect & aDest);
 
     // ---- storable ----

@@ -1,11 +1,13 @@
 #pragma once
 // A 2-D point of any coordinate type: a plain value with no base class and no virtual call.
-// XPoint (SInt32) and XPointF (float) derive from it; integer division truncates toward zero
-// and a zero divisor is not guarded against.
+// XPoint (SInt32) and XPointF (float) derive from it. Integer division truncates toward zero; a
+// zero divisor (or the smallest value over -1) is an internal error, where the float form gives
+// an infinity or NaN.
 
 #include <cmath>
 #include <type_traits>
 
+#include "XCheckedArithmetic.h"
 #include "XTypes.h"
 #include "XVector.h"
 
@@ -56,9 +58,9 @@ public:
     }
     constexpr XPointT & operator/=(const XPointT & aPoint)
     {
-        x /= aPoint.x;
-        y /= aPoint.y;
-        return *this;
+        // Both quotients first, so a refused division leaves the point as it was.
+        XPointT quotient(XCheckedDivide(x, aPoint.x), XCheckedDivide(y, aPoint.y));
+        return *this = quotient;
     }
     constexpr XPointT & operator*=(T aScalar)
     {
@@ -68,9 +70,7 @@ public:
     }
     constexpr XPointT & operator/=(T aScalar)
     {
-        x /= aScalar;
-        y /= aScalar;
-        return *this;
+        return *this /= XPointT(aScalar, aScalar);
     }
     constexpr XPointT operator+(const XPointT & aPoint) const { return XPointT(*this) += aPoint; }
     constexpr XPointT operator-(const XPointT & aPoint) const { return XPointT(*this) -= aPoint; }
@@ -100,15 +100,23 @@ public:
     }
 
     // Rotates about the origin by aRadians, in double; the integer form truncates each result
-    // toward zero.
+    // toward zero, and a result beyond its range (or a NaN angle) is an internal error.
     void Rotate(double aRadians)
     {
         double c = std::cos(aRadians);
         double s = std::sin(aRadians);
         double rx = double(x) * c - double(y) * s;
         double ry = double(x) * s + double(y) * c;
-        x = T(rx);
-        y = T(ry);
+        if constexpr (std::is_integral_v<T>)
+        {
+            x = XCheckedTruncate<T>(rx);
+            y = XCheckedTruncate<T>(ry);
+        }
+        else
+        {
+            x = T(rx);
+            y = T(ry);
+        }
     }
 
     // The n points strictly between a and b at equal steps, (b - a) / (n + 1) per axis in float;

@@ -1,6 +1,7 @@
 #include "XRect.h"
 
 #include "X3DRect.h"
+#include "XCheckedArithmetic.h"
 #include "XGeometryRounding.h"
 #include "XStream.h"
 
@@ -28,7 +29,7 @@ XRect::operator XFloatRect() const
 
 bool XRect::Contains(const XPointT<float> & aPoint) const
 {
-    return Contains(SInt32(aPoint.x), SInt32(aPoint.y));
+    return Contains(XCheckedTruncate<SInt32>(aPoint.x), XCheckedTruncate<SInt32>(aPoint.y));
 }
 
 void XRect::ReadStream2(XStream & aStream, XOptions anOptions)

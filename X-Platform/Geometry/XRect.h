@@ -36,7 +36,8 @@ public:
     operator XFloatRect() const;
 
     using XBase::Contains;
-    // The point is truncated toward zero first.
+    // The point is truncated toward zero first; a coordinate that is NaN or beyond the 32-bit
+    // range is an internal error.
     bool Contains(const XPointT<float> & aPoint) const;
 
     static XVersion GetClassVersion() { return XVersion(kClassID, 0); }

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <type_traits>
 
+#include "XCheckedArithmetic.h"
 #include "XTypes.h"
 
 template <typename C, typename L>
@@ -193,7 +194,7 @@ struct XRectAxis
     static C Remainder(C aValue, C aStep)
     {
         if constexpr (kInteger)
-            return aValue % aStep;
+            return XCheckedRemainder(aValue, aStep);
         else
             return std::fmod(aValue, aStep);
     }

@@ -11,7 +11,10 @@
 // The fields are stored in the order left, top, bottom, right, which is the stream order too.
 
 #include <cmath>
+#include <utility>
 
+#include "XAssert.h"
+#include "XCheckedArithmetic.h"
 #include "XPointT.h"
 #include "XRectAxis.h"
 #include "XTypes.h"
@@ -73,9 +76,11 @@ public:
         return GetWidth() == aRect.GetWidth() && GetHeight() == aRect.GetHeight();
     }
     // Height over width of both equal: in the integer form an unsigned integer quotient, so
-    // 3 by 2 and 4 by 3 compare the same. A zero width is not guarded against.
+    // 3 by 2 and 4 by 3 compare the same, and a zero width is an internal error.
     constexpr bool IsSameShapeAs(const XRectT & aRect) const
     {
+        if constexpr (XAxis::kInteger)
+            XAssertText(GetWidth() != 0 && aRect.GetWidth() != 0, "width != 0");
         return GetHeight() / GetWidth() == aRect.GetHeight() / aRect.GetWidth();
     }
     constexpr bool Contains(C inX, C inY) const
@@ -151,14 +156,18 @@ public:
     {
         return GetWidth() * XAxis::Extent(itsTop, aPoint.y) + XAxis::Extent(itsLeft, aPoint.x);
     }
-    // y = top + pos / width, x = left + pos mod width, unsigned in the integer form. In the
-    // float form the quotient is not truncated: y is fractional and x stays at left.
+    // y = top + pos / width, x = left + pos mod width, unsigned in the integer form, where a
+    // zero width is an internal error. In the float form the quotient is not truncated: y is
+    // fractional and x stays at left.
     constexpr XPointType GetPointFromLinearPos(L aPosition) const
     {
         L width = GetWidth();
         if constexpr (XAxis::kInteger)
+        {
+            XAssertText(width != 0, "width != 0");
             return XPointType(XAxis::AddLength(itsLeft, aPosition % width),
                               XAxis::AddLength(itsTop, aPosition / width));
+        }
         else
             return XPointType(itsLeft, itsTop + aPosition / width);
     }
@@ -231,9 +240,12 @@ public:
         XAxis::ConstrainWithin(itsTop, itsBottom, aRect.itsTop, aRect.itsBottom);
     }
     // The largest rectangle of this aspect ratio that fits aRect, centred on it; lengths are
-    // truncated toward zero in the integer form.
+    // truncated toward zero in the integer form. The height comes from width / ratio, so a zero
+    // width, which has no ratio to divide by, is an internal error in the integer form.
     void ScaleTo(const XRectT & aRect)
     {
+        if constexpr (XAxis::kInteger)
+            XAssertText(GetWidth() != 0, "width != 0");
         double ratio = double(GetWidth()) / double(GetHeight());
         *this = aRect;
         SetHeight(ToLength(double(GetWidth()) / ratio));
@@ -246,7 +258,8 @@ public:
         }
     }
     // Scales about the centre: the new extent is extent * factor, truncated in the integer
-    // form, and the low edge moves by half the change (signed, truncating).
+    // form (a NaN or infinite factor is an internal error there), and the low edge moves by half
+    // the change (signed, truncating).
     void ScaleBy(double aScaleX, double aScaleY)
     {
         XAxis::Resize(itsLeft, itsRight, ToLength(double(GetWidth()) * aScaleX));
@@ -269,26 +282,32 @@ public:
             CentreH(aRect);
     }
     // Low edges down and high edges up to multiples of the steps, by the remainder of
-    // truncating division: negative coordinates move toward zero. A zero step is not guarded
-    // against in the integer form.
+    // truncating division: negative coordinates move toward zero. A zero step is an internal
+    // error in the integer form.
     void AlignByValue(C aStepX, C aStepY)
     {
+        if constexpr (XAxis::kInteger)
+            XAssertText(aStepX != 0 && aStepY != 0, "step != 0");
         XAxis::AlignByValue(itsLeft, itsRight, aStepX);
         XAxis::AlignByValue(itsTop, itsBottom, aStepY);
     }
     // Carries the rectangle from the frame aSource to the frame aDest. The integer form scales
     // outward (floor of the low edges, ceiling of the high edges, in double); the float form
-    // does not round. Then normalises. A zero-extent source is not guarded against.
+    // does not round. Then normalises. A source with a zero extent has no scale: an internal
+    // error, as is an integer edge that lands outside the 32-bit range.
     void Map(const XRectT & aSource, const XRectT & aDest)
     {
+        XAssertText(aSource.GetWidth() != 0 && aSource.GetHeight() != 0, "source extent != 0");
         MapAxis(itsLeft, itsRight, aSource.itsLeft, aSource.GetWidth(), aDest.itsLeft, aDest.GetWidth());
         MapAxis(itsTop, itsBottom, aSource.itsTop, aSource.GetHeight(), aDest.itsTop, aDest.GetHeight());
     }
     // x' = (dest.width * (x - source.left)) / source.width + dest.left, and the same for y. The
     // integer form works in unsigned 32-bit arithmetic, so the product wraps and a point left of
-    // the source gives a large value; the float form works in float.
+    // the source gives a large value; the float form works in float. A source with a zero
+    // extent is an internal error.
     static constexpr void MapPoint(XPointType & ioPoint, const XRectT & aSource, const XRectT & aDest)
     {
+        XAssertText(aSource.GetWidth() != 0 && aSource.GetHeight() != 0, "source extent != 0");
         ioPoint.x = MapValue(ioPoint.x, aSource.itsLeft, aSource.GetWidth(), aDest.itsLeft, aDest.GetWidth());
         ioPoint.y = MapValue(ioPoint.y, aSource.itsTop, aSource.GetHeight(), aDest.itsTop, aDest.GetHeight());
     }
@@ -302,7 +321,7 @@ protected:
     static constexpr L ToLength(double aValue)
     {
         if constexpr (XAxis::kInteger)
-            return L(SInt64(aValue));
+            return L(XCheckedTruncate<SInt64>(aValue));
         else
             return L(aValue);
     }
@@ -311,20 +330,23 @@ protected:
     {
         if constexpr (XAxis::kInteger)
         {
+            // All in double up to the last step, which must land in the coordinate range.
             double scale = double(aDestExtent);
-            double low = double(ioLow - aSourceLow) * scale / double(aSourceExtent);
-            double high = double(ioHigh - aSourceLow) * scale / double(aSourceExtent);
-            ioLow = C(std::floor(low));
-            ioHigh = C(std::ceil(high));
+            double low = std::floor(double(SInt64(ioLow) - aSourceLow) * scale / double(aSourceExtent));
+            double high = std::ceil(double(SInt64(ioHigh) - aSourceLow) * scale / double(aSourceExtent));
+            if (low > high)
+                std::swap(low, high);
+            ioLow = XCheckedTruncate<C>(low + double(aDestLow));
+            ioHigh = XCheckedTruncate<C>(high + double(aDestLow));
         }
         else
         {
             ioLow = (ioLow - aSourceLow) * aDestExtent / aSourceExtent;
             ioHigh = (ioHigh - aSourceLow) * aDestExtent / aSourceExtent;
+            XAxis::Normalise(ioLow, ioHigh);
+            ioLow += aDestLow;
+            ioHigh += aDestLow;
         }
-        XAxis::Normalise(ioLow, ioHigh);
-        ioLow += aDestLow;
-        ioHigh += aDestLow;
     }
 
     static constexpr C MapValue(C aValue, C aSourceLow, L aSourceExtent, C aDestLow, L aDestExtent)

@@ -9,10 +9,13 @@
 #include "XClassRegistry.h"
 #include "XFPImageRenderer.h"
 #include "XFPVolume.h"
+#include "XFloatToColourLUT.h"
 #include "XGrey16ImageRenderer.h"
 #include "XGrey16Volume.h"
 #include "XGrey8ImageRenderer.h"
 #include "XGrey8Volume.h"
+#include "XIntToColourLUT.h"
+#include "XIntToIntLUT.h"
 #include "XMaskImageRenderer.h"
 #include "XMaskVolume.h"
 #include "XMemoryHandle.h"
@@ -80,9 +83,9 @@ void RegisterDefault(const char * aDescription)
 void RegisterCreators()
 {
     const XClassRow rows[] = {
-        NotBuilt(23, 1, 48, "XIntToColourLUT"),
-        NotBuilt(22, 0, 20, "XFloatToColourLUT"),
-        NotBuilt(21, 0, 48, "XIntToIntLUT"),
+        Built<XIntToColourLUT>("XIntToColourLUT"),
+        Built<XFloatToColourLUT>("XFloatToColourLUT"),
+        Built<XIntToIntLUT>("XIntToIntLUT"),
         Built<XRect>("XRect"),
         Built<XFPVolume>("Floating-point Image"),
         Built<XMaskVolume>("1-bit Mask Image"),

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <memory>
 
 #include "XBooleanVolumeTool.h"
@@ -9,11 +10,13 @@
 #include "XGrey8Volume.h"
 #include "XLock.h"
 #include "XMaskBits.h"
+#include "XMaskRowWriter.h"
 #include "XMaskVolume.h"
 #include "XProgress.h"
 #include "XStream.h"
 #include "XThread.h"
 #include "XVolumeScanner.h"
+#include "XWidestKernel.h"
 
 void X3DRegion::XCropHelper::SetupForScan(XVolume & aVolume)
 {
@@ -213,26 +216,25 @@ void X3DRegion::CropToFitVolume()
         return;
     XCropHelper helper;
     XScanVolume(*itsMask, helper, nullptr, kLockReadWrite);
-    ApplyCrop(helper);
+    ApplyCrop(helper.GetLimit(), helper.IsRect());
 }
 
-void X3DRegion::ApplyCrop(const XCropHelper & aScan)
+void X3DRegion::ApplyCrop(const X3DRect & aLimit, bool aFills)
 {
-    const X3DRect limit = aScan.GetLimit();
-    if (aScan.IsRect())
+    if (aFills)
     {
-        itsBounds = limit;
+        itsBounds = aLimit;
         SetMask(nullptr);
         return;
     }
     // The mask is compared rather than the bounds: after Xor under a crop lock the mask can be
     // larger than the bounds, and the crop brings the two together again.
-    if (limit != itsMask->GetBounds())
+    if (aLimit != itsMask->GetBounds())
     {
-        std::unique_ptr<XVolume> mask(itsMask->Clone(limit));
+        std::unique_ptr<XVolume> mask(itsMask->Clone(aLimit));
         SetMask(static_cast<XMaskVolume *>(mask.release()));
     }
-    itsBounds = limit;
+    itsBounds = aLimit;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -413,6 +415,82 @@ void MarkRow(UInt8 * anOut, SInt32 aLeft, SInt32 aRight, const XRegionRow & aRow
             row[i] = bytes[i] > 127 ? value : row[i];
     }
 }
+
+// 255 for a set mask byte, else 0.
+UInt8 Spread(UInt8 aByte)
+{
+    return UInt8(0 - (aByte >> 7));
+}
+
+// Writes aRule(aFirst[i], aSecond[i]) over a row of aCount bytes in one pass, and tells whether
+// it wrote a set byte. The rule is inlined and the loop widened to the vector unit.
+template <typename ByteRule>
+bool WriteRow(UInt8 * anOut, const UInt8 * aFirst, const UInt8 * aSecond, UInt32 aCount, ByteRule aRule)
+{
+    UInt8 * __restrict out = anOut;
+    const UInt8 * __restrict first = aFirst;
+    const UInt8 * __restrict second = aSecond;
+    UInt8 bits = 0;
+    for (UInt32 i = 0; i < aCount; ++i)
+    {
+        const UInt8 byte = aRule(first[i], second[i]);
+        out[i] = byte;
+        bits |= byte;
+    }
+    return bits > 127;
+}
+
+// The box of the set bytes of a mask over aBox whose rows are handed in one at a time, each
+// with whether it holds a set byte. The x limits are looked for only outside the run already
+// known, which soon covers most of the row.
+class XRowLimits
+{
+public:
+    explicit XRowLimits(const X3DRect & aBox) : itsLeft(aBox.GetLeft()), itsWidth(aBox.GetWidth()) {}
+
+    void AddRow(const UInt8 * aRow, bool aHoldsSet, SInt32 aY, SInt32 aZ)
+    {
+        if (!aHoldsSet)
+            return;
+        const UInt64 width = itsWidth;
+        if (itsFirst > 0 && XMaskBits::AnySet(aRow, itsFirst))
+            itsFirst = XMaskBits::FirstSet(aRow, itsFirst);
+        if (itsEnd < width && XMaskBits::AnySet(aRow + itsEnd, width - itsEnd))
+            itsEnd += XMaskBits::LastSet(aRow + itsEnd, width - itsEnd) + 1;
+        itsMinY = std::min(itsMinY, aY);
+        itsMaxY = std::max(itsMaxY, aY + 1);
+        itsMinZ = std::min(itsMinZ, aZ);
+        itsMaxZ = std::max(itsMaxZ, aZ + 1);
+    }
+    // All zero when no row held a set byte.
+    X3DRect GetLimit() const
+    {
+        if (itsEnd == 0)
+            return X3DRect();
+        return X3DRect(itsLeft + SInt32(itsFirst), itsMinY, itsMinZ, itsLeft + SInt32(itsEnd), itsMaxY, itsMaxZ);
+    }
+
+private:
+    SInt32 itsLeft;
+    UInt64 itsWidth;
+    // The run [itsFirst, itsEnd) of the row, empty until a row holds a set byte.
+    UInt64 itsFirst = itsWidth, itsEnd = 0;
+    SInt32 itsMinY = std::numeric_limits<SInt32>::max(), itsMaxY = std::numeric_limits<SInt32>::min();
+    SInt32 itsMinZ = std::numeric_limits<SInt32>::max(), itsMaxZ = std::numeric_limits<SInt32>::min();
+};
+
+// Every voxel of aBox (inside the locked mask) is set; true for an empty box. Stops at the
+// first row that is not full, which for a region that does not fill its box is soon.
+bool FillsBox(const XMaskVolume & aMask, const X3DRect & aBox)
+{
+    bool fills = true;
+    XRunWidestKernel([&] {
+        for (SInt32 z = aBox.GetFront(); z < aBox.GetBack() && fills; ++z)
+            for (SInt32 y = aBox.GetTop(); y < aBox.GetBottom() && fills; ++y)
+                fills = XMaskBits::AllSet(aMask.GetVoxelPtr(aBox.GetLeft(), y, z), aBox.GetWidth());
+    });
+    return fills;
+}
 } // namespace
 
 template <typename RowRule>
@@ -421,29 +499,37 @@ void X3DRegion::CombineInto(const X3DRegion & anOther, const X3DRect & aBox, Row
     // Every byte of the new mask is written by the rule.
     std::unique_ptr<XMaskVolume> mask(new XMaskVolume());
     mask->Reshape(aBox, false);
-    XCropHelper scan;
+    XRowLimits limits(aBox);
+    bool fills = false;
     {
         XLock lock(*this, kLockRead);
         XLock otherLock(anOther, kLockRead);
         XLock maskLock(*mask, kLockReadWrite);
-        scan.SetupForScan(*mask);
-        XProgress progress(aBox.GetDepth(), XProgress::kProgressWithEstimate, 2000, false);
-        for (SInt32 z = aBox.GetFront(); z < aBox.GetBack(); ++z)
         {
-            XThread::TestCancelCurrentThread();
-            for (SInt32 y = aBox.GetTop(); y < aBox.GetBottom() && aBox.GetWidth() > 0; ++y)
+            XMaskRowWriter writer(aBox.GetWidth(), mask->GetVolumeBytes());
+            XProgress progress(aBox.GetDepth(), XProgress::kProgressWithEstimate, 2000, false);
+            for (SInt32 z = aBox.GetFront(); z < aBox.GetBack(); ++z)
             {
-                UInt8 * out = mask->GetVoxelPtr(aBox.GetLeft(), y, z);
-                aRule(out, y, z);
-                scan.ScanRow(out, *mask, aBox.GetLeft(), aBox.GetWidth(), y, z, nullptr);
+                XThread::TestCancelCurrentThread();
+                XRunWidestKernel([&] {
+                    for (SInt32 y = aBox.GetTop(); y < aBox.GetBottom() && aBox.GetWidth() > 0; ++y)
+                    {
+                        UInt8 * out = mask->GetVoxelPtr(aBox.GetLeft(), y, z);
+                        UInt8 * row = writer.Begin(out);
+                        limits.AddRow(row, aRule(row, y, z), y, z);
+                        writer.End(out);
+                    }
+                });
+                progress.Increment();
             }
-            progress.Increment();
         }
+        if (itsCropLockCount == 0)
+            fills = FillsBox(*mask, limits.GetLimit());
     }
     SetMask(mask.release());
     itsBounds = aBox;
     if (itsCropLockCount == 0)
-        ApplyCrop(scan);
+        ApplyCrop(limits.GetLimit(), fills);
 }
 
 X3DRegion & X3DRegion::Union(const X3DRegion & aRegion)
@@ -452,32 +538,34 @@ X3DRegion & X3DRegion::Union(const X3DRegion & aRegion)
     // the crop.
     X3DRect box = itsBounds;
     box |= aRegion.GetBounds();
-    const SInt32 left = box.GetLeft();
+    const SInt32 left = box.GetLeft(), right = box.GetRight();
+    const UInt32 width = box.GetWidth();
     if (IsComplex() && itsMask->GetBounds() == box)
     {
         // The other region painted into this mask: this mask's bytes stay where it is not.
         CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
-            std::memcpy(anOut, GetLockedVoxel(left, aY, aZ), box.GetWidth());
-            MarkRow(anOut, left, box.GetRight(), RowOf(aRegion, aY, aZ), 255);
+            const UInt8 * own = GetLockedVoxel(left, aY, aZ);
+            const XRegionRow other = RowOf(aRegion, aY, aZ);
+            if (other.x0 == other.x1)
+                return WriteRow(anOut, own, own, width, [](UInt8 a, UInt8) { return a; });
+            if (other.bytes != nullptr && other.x0 == left && other.x1 == right)
+                return WriteRow(anOut, own, other.bytes, width, [](UInt8 a, UInt8 b) { return UInt8(a | Spread(b)); });
+            std::memcpy(anOut, own, width);
+            MarkRow(anOut, left, right, other, 255);
+            return XMaskBits::AnySet(anOut, width);
         });
         return *this;
     }
     // Both painted into a cleared mask.
     CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
         const XRegionRow own = RowOf(*this, aY, aZ), other = RowOf(aRegion, aY, aZ);
-        const UInt32 count = box.GetWidth();
         if (own.bytes != nullptr && other.bytes != nullptr && own.x0 == left && other.x0 == left &&
-            own.x1 == box.GetRight() && other.x1 == box.GetRight())
-        {
-            // Two masks over the whole row: one pass.
-            UInt8 * __restrict out = anOut;
-            for (UInt32 i = 0; i < count; ++i)
-                out[i] = UInt8(0 - ((own.bytes[i] | other.bytes[i]) >> 7));
-            return;
-        }
-        std::memset(anOut, 0, count);
-        MarkRow(anOut, left, box.GetRight(), own, 255);
-        MarkRow(anOut, left, box.GetRight(), other, 255);
+            own.x1 == right && other.x1 == right)
+            return WriteRow(anOut, own.bytes, other.bytes, width, [](UInt8 a, UInt8 b) { return Spread(a | b); });
+        std::memset(anOut, 0, width);
+        MarkRow(anOut, left, right, own, 255);
+        MarkRow(anOut, left, right, other, 255);
+        return XMaskBits::AnySet(anOut, width);
     });
     return *this;
 }
@@ -501,24 +589,18 @@ X3DRegion & X3DRegion::Sect(const X3DRegion & aRegion)
         return *this;
     }
     // This region's bytes (255 for a plain box) where the other holds voxels, else 0: the mask
-    // of the box masked with the other's.
+    // of the box masked with the other's. Both regions cover every row of the box.
     const SInt32 left = box.GetLeft();
     const UInt32 width = box.GetWidth();
     CombineInto(aRegion, box, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
         const XRegionRow own = RowOf(*this, aY, aZ), other = RowOf(aRegion, aY, aZ);
         const UInt8 * mine = own.bytes != nullptr ? own.bytes + (left - own.x0) : nullptr;
         const UInt8 * theirs = other.bytes != nullptr ? other.bytes + (left - other.x0) : nullptr;
-        // The count in a local: byte stores could otherwise alias what the rule refers to.
-        const UInt32 count = width;
         if (theirs == nullptr)
-            std::memcpy(anOut, mine, count);
-        else
-        {
-            // The top bit of the other's byte spread over the byte keeps or clears ours.
-            UInt8 * __restrict out = anOut;
-            for (UInt32 i = 0; i < count; ++i)
-                out[i] = UInt8((mine != nullptr ? mine[i] : 255) & UInt8(0 - (theirs[i] >> 7)));
-        }
+            return WriteRow(anOut, mine, mine, width, [](UInt8 a, UInt8) { return a; });
+        if (mine == nullptr)
+            return WriteRow(anOut, theirs, theirs, width, [](UInt8 b, UInt8) { return Spread(b); });
+        return WriteRow(anOut, mine, theirs, width, [](UInt8 a, UInt8 b) { return UInt8(a & Spread(b)); });
     });
     return *this;
 }
@@ -531,14 +613,22 @@ X3DRegion & X3DRegion::Difference(const X3DRegion & aRegion)
         return *this;
     // The other region painted out of this one's mask (255 throughout for a plain box).
     const X3DRect bounds = itsBounds;
-    const SInt32 left = bounds.GetLeft();
+    const SInt32 left = bounds.GetLeft(), right = bounds.GetRight();
+    const UInt32 width = bounds.GetWidth();
     CombineInto(aRegion, bounds, [&](UInt8 * anOut, SInt32 aY, SInt32 aZ) {
-        const XRegionRow own = RowOf(*this, aY, aZ);
+        const XRegionRow own = RowOf(*this, aY, aZ), other = RowOf(aRegion, aY, aZ);
+        if (other.bytes != nullptr && other.x0 == left && other.x1 == right)
+        {
+            if (own.bytes == nullptr)
+                return WriteRow(anOut, other.bytes, other.bytes, width, [](UInt8 b, UInt8) { return UInt8(~Spread(b)); });
+            return WriteRow(anOut, own.bytes, other.bytes, width, [](UInt8 a, UInt8 b) { return UInt8(a & ~Spread(b)); });
+        }
         if (own.bytes != nullptr)
-            std::memcpy(anOut, own.bytes, bounds.GetWidth());
+            std::memcpy(anOut, own.bytes, width);
         else
-            std::memset(anOut, 255, bounds.GetWidth());
-        MarkRow(anOut, left, bounds.GetRight(), RowOf(aRegion, aY, aZ), 0);
+            std::memset(anOut, 255, width);
+        MarkRow(anOut, left, right, other, 0);
+        return XMaskBits::AnySet(anOut, width);
     });
     return *this;
 }

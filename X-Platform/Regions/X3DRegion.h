@@ -198,11 +198,14 @@ private:
     void SetMask(XMaskVolume * aMask);
     // This region's mask, or for a plain box a new mask of the box filled with 255.
     std::unique_ptr<XMaskVolume> MakeMask() const;
-    // The rest of the crop, from a scan of the mask already made.
-    void ApplyCrop(const XCropHelper & aScan);
-    // Replaces the mask by a new one over aBox, every byte written row by row by aRule(out, y, z), with this
-    // region and anOther locked for reading, and crops it with a scan made as the rows are
-    // written: the result and form of painting or masking into a mask and then cropping.
+    // The rest of the crop, from the box of the set voxels found by a scan of the mask and
+    // whether they fill it.
+    void ApplyCrop(const X3DRect & aLimit, bool aFills);
+    // Replaces the mask by a new one over aBox, every byte written row by row by aRule(out, y, z)
+    // (true when it wrote a set byte), with this region and anOther locked for reading, and
+    // crops it to the box of the set voxels found as the rows are written: the result and form
+    // of painting or masking into a mask and then cropping. The rows run on the widest vector
+    // unit of the processor.
     template <typename RowRule>
     void CombineInto(const X3DRegion & anOther, const X3DRect & aBox, RowRule aRule);
     // Walks aBox (inside both regions' boxes) under read locks and returns true at the first

@@ -1,5 +1,11 @@
 #include "XBaseGreyImageRenderer.h"
 
+#include <algorithm>
+
+#include "XCheckedArithmetic.h"
+#include "XException.h"
+#include "XIntToColourLUT.h"
+#include "XLock.h"
 #include "XStream.h"
 
 const XVector<XARGB32Colour> XBaseGreyImageRenderer::kRainbowLUT =
@@ -46,7 +52,7 @@ void XBaseGreyImageRenderer::SetProperty(UInt32 aProperty, double aValue)
         return;
     }
     XARGB32Colour colour = aProperty < kWhiteColourRedProperty ? itsBlackColour : itsWhiteColour;
-    const UInt8 byte = UInt8(SInt32(aValue));
+    const UInt8 byte = UInt8(XCheckedTruncate<SInt32>(aValue));
     switch ((aProperty - kBlackColourRedProperty) % 3)
     {
     case 0: colour.SetRed(byte); break;
@@ -121,4 +127,21 @@ void XBaseGreyImageRenderer::ReadStreamSelf(XStream & aStream, const XVersion & 
 void XBaseGreyImageRenderer::WriteStreamSelf(XStream & aStream, XOptions) const
 {
     aStream.Write32(itsRendererType);
+}
+
+void XBaseGreyImageRenderer::ApplyBrightEnd(const XIntToColourLUT & aTable, bool aFallingTest)
+{
+    if (aTable.IsEmpty())
+        throw XException(kErrBadArgument, "an empty look-up table gives a renderer no colours");
+    XLock lock(aTable, kLockRead);
+    const UInt32 last = aTable.GetLastEntry();
+    XARGB32Colour white = aTable.IndexToValue(std::min(aTable.GetLastTrueValue(), last));
+    const XARGB32Colour & first = aTable.IndexToValue(0);
+    if (aFallingTest && first.GetIntensity() > aTable.IndexToValue(std::min(255u, last)).GetIntensity())
+        white = first;
+    SetBlackColour(XARGB32Colour::kBlack);
+    SetWhiteColour(white);
+    SetBlack(0.0);
+    SetWhite(double(aTable.GetLastTrueValue()));
+    SetRendererType(kRampRenderer);
 }

@@ -33,7 +33,8 @@ public:
     XARGB32Colour GetWhiteColour() const override { return itsWhiteColour; }
     XRendererType GetRendererType() const override { return itsRendererType; }
 
-    // Adds properties 10 to 15, the colour bytes; set from the truncated value.
+    // Adds properties 10 to 15, the colour bytes; set from the truncated value, whose low byte
+    // counts. A value that is NaN or beyond 32 bits is an internal error.
     bool HasProperty(UInt32 aProperty) const override;
     void SetProperty(UInt32 aProperty, double aValue) override;
     double GetProperty(UInt32 aProperty) const override;
@@ -48,6 +49,12 @@ public:
 protected:
     void ReadStream2_XBaseGreyImageRenderer(XStream & aStream, XOptions anOptions);
     void WriteStream2_XBaseGreyImageRenderer(XStream & aStream, XOptions anOptions) const;
+    // A palette reduced to its bright end: black colour opaque black, white colour the entry at
+    // the last true value (the last entry, for a smaller table), black point 0, white point the
+    // last true value, a ramp. With aFallingTest a table whose entry 0 is brighter (largest of
+    // red, green, blue) than its entry 255 takes entry 0 as its white colour instead.
+    // XException kErrBadArgument for an empty table.
+    void ApplyBrightEnd(const XIntToColourLUT & aTable, bool aFallingTest);
     // True when the colours are those of a normal renderer.
     bool HasNormalColours() const;
     static XVector<XARGB32Colour> BuildRainbowLUT();

@@ -1,9 +1,35 @@
 #include "XFPImageRenderer.h"
 
+#include "XException.h"
+#include "XFloatToColourLUT.h"
+#include "XImagingErrors.h"
+#include "XLock.h"
 #include "XStream.h"
 
 XFPImageRenderer::XFPImageRenderer(XStream & aStream) : XGreyImageRenderer<float>(aStream)
 {
+}
+
+XFPImageRenderer::XFPImageRenderer(const XFloatToColourLUT & aTable) : XFPImageRenderer()
+{
+    XFPImageRenderer::ApplyLUT(aTable);
+}
+
+void XFPImageRenderer::ApplyLUT(const XIntToColourLUT & aTable)
+{
+    const auto * table = dynamic_cast<const XFloatToColourLUT *>(&aTable);
+    if (table == nullptr)
+        throw XException(kErrNoLUT, "a floating-point renderer takes its settings from a table of real values only");
+    if (table->IsEmpty())
+        throw XException(kErrBadArgument, "an empty look-up table gives a renderer no colours");
+    XLock lock(*table, kLockRead);
+    XARGB32Colour white;
+    table->ValueToColour(table->GetMax(), white);
+    SetBlack(table->GetMin());
+    SetWhite(table->GetMax());
+    SetBlackColour(XARGB32Colour(0));
+    SetWhiteColour(white);
+    SetRendererType(kRampRenderer);
 }
 
 void XFPImageRenderer::ReadStream2(XStream & aStream, XOptions anOptions)

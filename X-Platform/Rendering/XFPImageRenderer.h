@@ -6,6 +6,8 @@
 
 #include "XGreyImageRenderer.h"
 
+class XFloatToColourLUT;
+
 class XFPImageRenderer : public XGreyImageRenderer<float>
 {
 public:
@@ -16,6 +18,8 @@ public:
     XFPImageRenderer & operator=(const XFPImageRenderer &) = default;
     // The older stream form of the base classes; nothing further.
     explicit XFPImageRenderer(XStream & aStream);
+    // Settings from a table of real values, as ApplyLUT.
+    explicit XFPImageRenderer(const XFloatToColourLUT & aTable);
 
     static XVersion GetClassVersion() { return XVersion(kClassID, 0); }
     static XVersion GetSuperClassVersion() { return XGreyImageRenderer<float>::GetClassVersion(); }
@@ -31,6 +35,11 @@ public:
     // Ends with the source's black and white points, unscaled: they are this renderer's input
     // range, so rescaling them against it would mean nothing.
     void CopyProperties(const XImageRenderer & aSource) override;
+
+    // The table must be an XFloatToColourLUT (else XException kErrNoLUT) and not empty (else
+    // kErrBadArgument): black and white become its minimum and maximum, the black colour
+    // opaque black and the white colour that of the maximum, a ramp.
+    void ApplyLUT(const XIntToColourLUT & aTable) override;
 
     void ReadStream2(XStream & aStream, XOptions anOptions) override;
     void WriteStream2(XStream & aStream, XOptions anOptions) const override;

@@ -6,6 +6,16 @@ XGrey16ImageRenderer::XGrey16ImageRenderer(XStream & aStream) : XGreyImageRender
 {
 }
 
+XGrey16ImageRenderer::XGrey16ImageRenderer(const XIntToColourLUT & aTable) : XGrey16ImageRenderer()
+{
+    XGrey16ImageRenderer::ApplyLUT(aTable);
+}
+
+void XGrey16ImageRenderer::ApplyLUT(const XIntToColourLUT & aTable)
+{
+    ApplyBrightEnd(aTable, false);
+}
+
 void XGrey16ImageRenderer::ReadStream2(XStream & aStream, XOptions anOptions)
 {
     ReadStream2_XGrey16ImageRenderer(aStream, anOptions);

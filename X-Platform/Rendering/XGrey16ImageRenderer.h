@@ -15,11 +15,16 @@ public:
     XGrey16ImageRenderer & operator=(const XGrey16ImageRenderer &) = default;
     // The older stream form of the base classes; nothing further.
     explicit XGrey16ImageRenderer(XStream & aStream);
+    // Settings from a palette, as ApplyLUT.
+    explicit XGrey16ImageRenderer(const XIntToColourLUT & aTable);
 
     static XVersion GetClassVersion() { return XVersion(kClassID, 0); }
     static XVersion GetSuperClassVersion() { return XGreyImageRenderer<UInt16>::GetClassVersion(); }
     XVersion GetVersion() const override { return GetClassVersion(); }
     XGrey16ImageRenderer * Clone() const override { return new XGrey16ImageRenderer(*this); }
+
+    // The bright end of the palette (see ApplyBrightEnd), with no test for a falling table.
+    void ApplyLUT(const XIntToColourLUT & aTable) override;
 
     void ReadStream2(XStream & aStream, XOptions anOptions) override;
     void WriteStream2(XStream & aStream, XOptions anOptions) const override;

@@ -2,7 +2,13 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
+#include <type_traits>
 
+#include "XCheckedArithmetic.h"
+#include "XException.h"
+#include "XIntToColourLUT.h"
+#include "XLock.h"
 #include "XStream.h"
 
 template <typename T>
@@ -68,9 +74,37 @@ void XGreyImageRenderer<T>::GetRainbowColour(T aVoxel, XARGB32Colour & outColour
 }
 
 template <typename T>
+XIntToColourLUT XGreyImageRenderer<T>::GetLUT() const
+{
+    // Counting in floats stops at 2^24, where adding 1 no longer changes the count.
+    constexpr double kMaxEntries = 16777216.0;
+    const double size = std::trunc(GetMaxInputValue());
+    if (size > kMaxEntries)
+        throw XException(kErrBadArgument, "a look-up table of " + std::to_string(size) + " entries");
+    XIntToColourLUT table(size > 0.0 ? UInt32(size) : 0);
+    {
+        XLock lock(table, kLockWrite);
+        UInt32 i = 0;
+        for (T voxel = 0; double(voxel) < size && i < table.GetSize(); voxel += T(1))
+            GetColour(&voxel, table.IndexToValue(i++));
+    }
+    const double white = std::trunc(GetWhite());
+    const UInt32 w = white > 0.0 ? (white < 4294967295.0 ? UInt32(white) : 0xFFFFFFFFu) : 0;
+    UInt32 depth = 1;
+    while (depth < 32 && (UInt64(1) << depth) < w)
+        ++depth;
+    table.SetTrueDepth(depth);
+    return table;
+}
+
+template <typename T>
 void XGreyImageRenderer<T>::GetColourByIndex(double anIndex, XARGB32Colour & outColour) const
 {
-    const T voxel = T(anIndex);
+    T voxel;
+    if constexpr (std::is_integral_v<T>)
+        voxel = XCheckedTruncate<T>(anIndex);
+    else
+        voxel = T(anIndex);
     GetColour(&voxel, outColour);
 }
 

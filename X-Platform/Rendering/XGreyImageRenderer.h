@@ -31,7 +31,12 @@ public:
     // A rainbow (type 1): the table entry of (v - black) * 255 / (white - black), rounded;
     // gain, offset, gamma and balances play no part. Another type leaves the colour alone.
     void GetColour(const void * aVoxel, XARGB32Colour & outColour) const override;
-    // The index truncated to T, then GetColour.
+    // trunc(GetMaxInputValue()) entries, the last input value left out: entry i is GetColour
+    // of i. The true depth is the smallest d from 1 on with 2^d at or above the white point,
+    // the last true value 2^d - 1. XException kErrBadArgument above 2^24 entries.
+    XIntToColourLUT GetLUT() const override;
+    // The index truncated to T, then GetColour. An integer T refuses an index beyond its range
+    // (or NaN) as an internal error.
     virtual void GetColourByIndex(double anIndex, XARGB32Colour & outColour) const;
 
 protected:

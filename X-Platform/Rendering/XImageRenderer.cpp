@@ -2,6 +2,9 @@
 
 #include <cmath>
 
+#include "XException.h"
+#include "XImagingErrors.h"
+#include "XIntToColourLUT.h"
 #include "XStream.h"
 
 XImageRenderer::XImageRenderer(XStream & aStream)
@@ -131,6 +134,16 @@ UInt8 XImageRenderer::BalancedByte(double aBalance, UInt8 aByte)
     if (!(value < 255.0))
         return 255;
     return value > 0.0 ? UInt8(value) : 0;
+}
+
+XIntToColourLUT XImageRenderer::GetLUT() const
+{
+    throw XException(kErrNoLUT, "a renderer of this kind has no look-up table");
+}
+
+void XImageRenderer::ApplyLUT(const XIntToColourLUT &)
+{
+    throw XException(kErrNoLUT, "a renderer of this kind takes no look-up table");
 }
 
 UInt8 XImageRenderer::GetLuminance(double aValue) const

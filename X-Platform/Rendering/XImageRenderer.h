@@ -21,6 +21,8 @@
 #include "XStorable.h"
 #include "XTypes.h"
 
+class XIntToColourLUT;
+
 class XImageRenderer : public XStorable
 {
 public:
@@ -117,6 +119,14 @@ public:
     // Its inverse: the input value that gives a luminance. White equal to black is not guarded.
     virtual double GetValueForLuminance(double aLuminance) const;
 
+    // The renderer as a palette, and a palette turned into renderer settings. Here both raise
+    // XException kErrNoLUT: only the single-channel renderers have them.
+    virtual XIntToColourLUT GetLUT() const;
+    virtual void ApplyLUT(const XIntToColourLUT & aTable);
+
+    // min(balance * byte, 255) truncated; a NaN product gives 255, a negative one 0.
+    static UInt8 BalancedByte(double aBalance, UInt8 aByte);
+
     void ReadStream2(XStream & aStream, XOptions anOptions) override;
     void WriteStream2(XStream & aStream, XOptions anOptions) const override;
 
@@ -127,8 +137,6 @@ protected:
     double GetTransferScale() const;
     // Clamps a normalised value to 0..1; a value not below 1 (or a NaN) gives 1.
     static double ClampUnit(double aValue);
-    // min(balance * byte, 255) truncated; a NaN product gives 255, a negative one 0.
-    static UInt8 BalancedByte(double aBalance, UInt8 aByte);
     // The test of IsNormal, with or without the white point.
     bool IsNormalTest(bool aWithWhite) const;
 

@@ -27,11 +27,16 @@ public:
     // The mean of the red, green and blue of the white colour above 127, else of the black
     // colour, through gain, offset and gamma.
     UInt8 GetLuminance(double aValue) const override;
+    // 256 entries: 0 to 127 the black colour, 128 to 255 the white colour, each channel through
+    // gain, offset and gamma (as MaskLevel), opaque.
+    XIntToColourLUT GetLUT() const override;
 
     void ReadStream2(XStream & aStream, XOptions anOptions) override;
     void WriteStream2(XStream & aStream, XOptions anOptions) const override;
 
 protected:
+    // trunc(pow(clamp(aByte / 255 * gain + offset, 0, 1), gamma) * 255).
+    UInt8 MaskLevel(UInt8 aByte) const;
     void ReadStream2_XMaskImageRenderer(XStream & aStream, XOptions anOptions);
     void WriteStream2_XMaskImageRenderer(XStream & aStream, XOptions anOptions) const;
 };

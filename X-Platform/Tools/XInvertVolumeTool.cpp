@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "XARGB32Volume.h"
+#include "XCheckedArithmetic.h"
 #include "XGrey16Volume.h"
 #include "XGrey8Volume.h"
 #include "XRGB48Volume.h"
@@ -28,7 +29,7 @@ void XInvertVolumeTool::Invert(const Volume & aSource, Volume & aDest, double aT
         aDest.CopyIn(aSource, aDest.GetBounds(), aDest.GetBounds(), nullptr);
     if (std::isnan(itsMaxVoxelValue))
         itsMaxVoxelValue = aTypeMaximum;
-    const UInt32 maximum = UInt32(SInt64(itsMaxVoxelValue));
+    const UInt32 maximum = UInt32(XCheckedTruncate<SInt64>(itsMaxVoxelValue));
     XInvertHelper<typename Volume::XVoxel> helper(maximum);
     XScanVolume(aDest, helper, nullptr, kLockReadWrite);
 }

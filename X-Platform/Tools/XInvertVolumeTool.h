@@ -5,7 +5,8 @@
 //
 // The maximum starts as NaN; the first volume inverted sets it to its type's largest value
 // (255 or 65535), and it then stays in the tool: a tool used on an 8-bit volume goes on using
-// 255 for a 16-bit one. SetMaxVoxelValue chooses it.
+// 255 for a 16-bit one. SetMaxVoxelValue chooses it; an infinite maximum, or one beyond 64 bits,
+// is an internal error when the tool runs.
 
 #include <limits>
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <typeinfo>
 
-#include "XException.h"
 #include "XFPImageRenderer.h"
+#include "XFloatToColourLUT.h"
 #include "XStream.h"
 
 XFPVolume::XFPVolume() : XNumberVolume<float>(X3DRect())
@@ -24,20 +24,19 @@ XFPVolume::XFPVolume(const X3DRect & aBounds) : XNumberVolume<float>(aBounds)
 
 XFPVolume::XFPVolume(XStream & aStream) : XNumberVolume<float>(aStream)
 {
+    std::unique_ptr<XFloatToColourLUT> table;
     if (IsReadingLegacyImage(aStream))
-        ReadFPImageStream(aStream);
+        table.reset(ReadFPImageStream(aStream));
     else
         ReadLevelVersion(aStream, GetClassVersion());
-    AttachPlaneRenderer(new XFPImageRenderer());
+    AttachPlaneRenderer(table ? new XFPImageRenderer(*table) : new XFPImageRenderer());
+    SetHadLegacyLUT(table != nullptr);
 }
 
-void XFPVolume::ReadFPImageStream(XStream & aStream)
+XFloatToColourLUT * XFPVolume::ReadFPImageStream(XStream & aStream)
 {
     ReadClassVersion(aStream, GetClassVersion());
-    std::unique_ptr<XStorable> table(aStream.ReadStorable(kNormal));
-    if (table)
-        throw XException(kErrUnknownClass, "floating-point image with a look-up table of an old version, which "
-                                           "this version cannot turn into a renderer");
+    return aStream.ReadObjectAs<XFloatToColourLUT>(kNormal);
 }
 
 bool XFPVolume::IsPlaneRendererSupported(const XImageRenderer & aRenderer) const

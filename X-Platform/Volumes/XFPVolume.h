@@ -3,9 +3,12 @@
 // scale the renderer's input range onto the destination's black and white points, and
 // conversions into colour wrap round in 8 or 16 bits without clamping.
 //
-// Stream form: the levels of XNumberVolume, then the class word 65643 (107, version 1).
+// Stream form: the levels of XNumberVolume, then the class word 65643 (107, version 1). A
+// legacy image carries a table of real values, which gives the renderer its range and colours.
 
 #include "XNumberVolume.h"
+
+class XFloatToColourLUT;
 
 class XFPVolume : public XNumberVolume<float>
 {
@@ -38,6 +41,6 @@ public:
 protected:
     void ReadStream2_XFPVolume(XStream & aStream, XOptions anOptions);
     void WriteStream2_XFPVolume(XStream & aStream, XOptions anOptions) const;
-    // A legacy image's table of float values to colours.
-    void ReadFPImageStream(XStream & aStream);
+    // A legacy image's table of real values to colours, or null; the caller owns it.
+    XFloatToColourLUT * ReadFPImageStream(XStream & aStream);
 };

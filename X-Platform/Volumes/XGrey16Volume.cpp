@@ -27,6 +27,7 @@ XGrey16Volume::XGrey16Volume(XStream & aStream) : XIntegerVolume<UInt16>(aStream
         ReadLevelVersion(aStream, GetClassVersion());
     SwapOnLockFor(aStream);
     AttachPlaneRenderer(new XGrey16ImageRenderer());
+    ApplyLegacyLUT();
 }
 
 void XGrey16Volume::SwapOnLockFor(const XStream & aStream)
@@ -43,6 +44,7 @@ bool XGrey16Volume::IsPlaneRendererSupported(const XImageRenderer & aRenderer) c
 void XGrey16Volume::ReadStream2(XStream & aStream, XOptions anOptions)
 {
     ReadStream2_XGrey16Volume(aStream, anOptions);
+    ApplyLegacyLUT();
 }
 
 void XGrey16Volume::WriteStream2(XStream & aStream, XOptions anOptions) const

@@ -3,6 +3,7 @@
 //
 // Stream form: the levels of XIntegerVolume, then the class word 106. The voxels are stored in
 // the stream's byte order and turned over at the first lock when that is not the platform's.
+// A table that the stream carried gives the renderer its settings.
 
 #include "XIntegerVolume.h"
 

@@ -21,13 +21,20 @@ XGrey8Volume::XGrey8Volume(const X3DRect & aBounds) : XIntegerVolume<UInt8>(aBou
     AttachPlaneRenderer(new XGrey8ImageRenderer());
 }
 
-XGrey8Volume::XGrey8Volume(XStream & aStream, bool aSkipVoxels) : XIntegerVolume<UInt8>(aStream)
+XGrey8Volume::XGrey8Volume(XStream & aStream, bool aSkipVoxels) : XGrey8Volume(aStream, aSkipVoxels, true)
+{
+}
+
+XGrey8Volume::XGrey8Volume(XStream & aStream, bool aSkipVoxels, bool aMakeRenderer) : XIntegerVolume<UInt8>(aStream)
 {
     if (IsReadingLossyForm(aStream))
         ReadLossyStream(aStream, !aSkipVoxels);
     else if (!IsReadingLegacyImage(aStream))
         ReadLevelVersion(aStream, GetClassVersion());
+    if (!aMakeRenderer)
+        return;
     AttachPlaneRenderer(new XGrey8ImageRenderer());
+    ApplyLegacyLUT();
 }
 
 bool XGrey8Volume::IsPlaneRendererSupported(const XImageRenderer & aRenderer) const
@@ -46,6 +53,7 @@ bool XGrey8Volume::PreReadStream(XStream & aStream, const XVersion & aVersion, X
 void XGrey8Volume::ReadStream2(XStream & aStream, XOptions anOptions)
 {
     ReadStream2_XGrey8Volume(aStream, anOptions);
+    ApplyLegacyLUT();
 }
 
 void XGrey8Volume::WriteStream2(XStream & aStream, XOptions anOptions) const

@@ -20,7 +20,8 @@ public:
     XGrey8Volume(UInt32 aWidth, UInt32 aHeight, UInt32 aDepth);
     explicit XGrey8Volume(const X3DRect & aBounds);
     XGrey8Volume(const XGrey8Volume & aVolume) = default;
-    // With aSkipVoxels the voxels of a JPEG-compressed form are stepped over, not decoded.
+    // With aSkipVoxels the voxels of a JPEG-compressed form are stepped over, not decoded. A
+    // table that the stream carried gives the renderer its settings.
     explicit XGrey8Volume(XStream & aStream, bool aSkipVoxels = false);
 
     static XVersion GetClassVersion() { return XVersion(kClassID, 1); }
@@ -33,6 +34,7 @@ public:
     bool IsPlaneRendererSupported(const XImageRenderer & aRenderer) const override;
     XString GetDescription() const override { return XString("256 Grays Image"); }
 
+    // Also applies a table that the stream carried to the renderer.
     void ReadStream2(XStream & aStream, XOptions anOptions) override;
     void WriteStream2(XStream & aStream, XOptions anOptions) const override;
     // Reads a JPEG-compressed form, which it takes under the colour word 12100 only: its own
@@ -42,6 +44,8 @@ public:
     bool PreReadStream(XStream & aStream, const XVersion & aVersion, XOptions anOptions) override;
 
 protected:
+    // The stream constructor, with the renderer left to a subclass when not aMakeRenderer.
+    XGrey8Volume(XStream & aStream, bool aSkipVoxels, bool aMakeRenderer);
     void ReadStream2_XGrey8Volume(XStream & aStream, XOptions anOptions);
     void WriteStream2_XGrey8Volume(XStream & aStream, XOptions anOptions) const;
 };

@@ -2,8 +2,17 @@
 
 #include <memory>
 
-#include "XException.h"
 #include "XStream.h"
+
+template <typename T>
+XIntegerVolume<T>::XIntegerVolume(const XIntegerVolume & aVolume)
+    : XNumberVolume<T>(aVolume),
+      itsLegacyLUT(aVolume.itsLegacyLUT ? std::make_unique<XIntToColourLUT>(*aVolume.itsLegacyLUT) : nullptr)
+{
+}
+
+template <typename T>
+XIntegerVolume<T>::~XIntegerVolume() = default;
 
 template <typename T>
 XIntegerVolume<T>::XIntegerVolume(XStream & aStream) : XNumberVolume<T>(aStream)
@@ -33,10 +42,17 @@ void XIntegerVolume<T>::ReadIntegerImageStream(XStream & aStream)
 template <typename T>
 void XIntegerVolume<T>::ReadLegacyTable(XStream & aStream)
 {
-    std::unique_ptr<XStorable> table(aStream.ReadStorable(XStorable::kNormal));
-    if (table)
-        throw XException(kErrUnknownClass, "volume stream with a look-up table of an old version, which this "
-                                           "version cannot turn into a renderer");
+    itsLegacyLUT.reset(aStream.ReadObjectAs<XIntToColourLUT>(XStorable::kNormal));
+}
+
+template <typename T>
+void XIntegerVolume<T>::ApplyLegacyLUT()
+{
+    if (!itsLegacyLUT)
+        return;
+    this->GetPlaneRenderer().ApplyLUT(*itsLegacyLUT);
+    itsLegacyLUT.reset();
+    this->SetHadLegacyLUT(true);
 }
 
 template <typename T>

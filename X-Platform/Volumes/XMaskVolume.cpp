@@ -23,13 +23,14 @@ XMaskVolume::XMaskVolume(const X3DRect & aBounds) : XGrey8Volume(aBounds)
     AttachPlaneRenderer(new XMaskImageRenderer());
 }
 
-XMaskVolume::XMaskVolume(XStream & aStream) : XGrey8Volume(aStream)
+XMaskVolume::XMaskVolume(XStream & aStream) : XGrey8Volume(aStream, false, false)
 {
     if (IsReadingLegacyImage(aStream))
         ReadMaskImageStream();
     else
         ReadLevelVersion(aStream, GetClassVersion());
     AttachPlaneRenderer(new XMaskImageRenderer());
+    ApplyLegacyLUT();
 }
 
 bool XMaskVolume::IsPlaneRendererSupported(const XImageRenderer & aRenderer) const
@@ -78,6 +79,7 @@ void XMaskVolume::ReadMaskImageStream()
 void XMaskVolume::ReadStream2(XStream & aStream, XOptions anOptions)
 {
     ReadStream2_XMaskVolume(aStream, anOptions);
+    ApplyLegacyLUT();
 }
 
 void XMaskVolume::WriteStream2(XStream & aStream, XOptions anOptions) const

@@ -3,7 +3,8 @@
 // set. It is a Grey8 volume to every conversion and tool, with a renderer of its own.
 //
 // Stream form: the levels of XGrey8Volume, then the class word 115. The legacy mask image
-// (class word 5) stored the mask inverted, with rows padded to a multiple of 4 bytes.
+// (class word 5) stored the mask inverted, with rows padded to a multiple of 4 bytes. A table
+// carried by an older level gives the mask renderer the colour of its bright end.
 
 #include "XGrey8Volume.h"
 

@@ -17,8 +17,10 @@
 #include "XImagingLibrary.h"
 #include "XInternalError.h"
 #include "XProgressStrategy.h"
+#include "XResampleCommand.h"
 #include "XSampleStack.h"
 #include "XSelfCheck.h"
+#include "XStackLayout.h"
 #include "XTerminalProgressStrategy.h"
 #include "XThread.h"
 #include "XTiffStackReader.h"
@@ -31,12 +33,41 @@ namespace
 {
 constexpr int kInternalErrorStatus = 3;
 
-const std::vector<XCommandLine::XOptionSpec> kWriteOptions = {{"plane", true}, {"bits", true}};
+const std::vector<XCommandLine::XOptionSpec> kWriteOptions = {{"plane", true}, {"bits", true}, {"bigtiff", false}};
 
 const char * const kWriteHelp = "The output's extension chooses its kind: .bvol (a volume stream file), .tif or .tiff\n"
                                 "(a TIFF stack) or .png (one plane).\n"
                                 "  --plane Z   the plane of a PNG, counted from 0 at the first plane (default 0)\n"
-                                "  --bits N    8 or 16 bits a sample in a PNG (default: as the voxels have)\n";
+                                "  --bits N    8 or 16 bits a sample in a PNG (default: as the voxels have)\n"
+                                "  --bigtiff   a TIFF stack as BigTIFF even below 4 GiB (larger ones always are)\n";
+
+// A command's own options, then those of the output.
+std::vector<XCommandLine::XOptionSpec> WithWriteOptions(std::vector<XCommandLine::XOptionSpec> anOptions)
+{
+    anOptions.insert(anOptions.end(), kWriteOptions.begin(), kWriteOptions.end());
+    return anOptions;
+}
+
+// OUT.bvol becomes OUT-c2.bvol for channel 2.
+std::string ChannelPath(const std::string & aPath, UInt32 aChannel)
+{
+    std::filesystem::path path(aPath);
+    const std::string extension = path.extension().string();
+    return path.replace_filename(path.stem().string() + "-c" + std::to_string(aChannel) + extension).string();
+}
+
+// How the options of import pick one volume of a stack with several.
+std::string HowToPick(const XStackLayout & aLayout)
+{
+    const std::string channels = "--channel C (0.." + std::to_string(aLayout.GetChannelCount() - 1) + ")";
+    const std::string times = "--time T (0.." + std::to_string(aLayout.GetTimeCount() - 1) + ")";
+    if (aLayout.GetTimeCount() == 1)
+        return "pick one with " + channels + ", or write each with --all-channels";
+    if (aLayout.GetChannelCount() == 1)
+        return "pick one with " + times;
+    return "pick one with " + channels + " and " + times + ", or write each channel of a time point with " +
+           "--all-channels and " + times;
+}
 } // namespace
 
 XBrindleTool::XBrindleTool(std::ostream & anOut, std::ostream & anError) : itsOut(anOut), itsError(anError) {}
@@ -50,8 +81,16 @@ const std::vector<XBrindleTool::XCommand> & XBrindleTool::GetCommands()
          1, 1, {}, &XBrindleTool::RunInfo},
         {"import", "STACK.tif OUT.bvol", "read a multi-page TIFF stack into a volume file",
          "Reads 8, 16 and 32-bit grey, 32-bit float, and 8 and 16-bit RGB stacks, in strips or tiles,\n"
-         "in either byte order, with the voxel size from the resolution tags (and ImageJ's z spacing).\n",
-         2, 2, kWriteOptions, &XBrindleTool::RunImport},
+         "in either byte order, classic TIFF or BigTIFF, with the voxel size from OME-TIFF's metadata\n"
+         "or from the resolution tags (and ImageJ's z spacing).\n"
+         "A stack of several channels or time points (an ImageJ hyperstack, an OME-TIFF file) holds\n"
+         "one volume for each channel at each time point; pick one, or write every channel:\n"
+         "  --channel C      the channel, counted from 0\n"
+         "  --time T         the time point, counted from 0\n"
+         "  --all-channels   one file a channel, named after OUT: OUT.bvol gives OUT-c0.bvol,\n"
+         "                   OUT-c1.bvol, ...\n",
+         2, 2, WithWriteOptions({{"channel", true}, {"time", true}, {"all-channels", false}}),
+         &XBrindleTool::RunImport},
         {"export", "IN.bvol OUT.tif|OUT.png", "write a volume as a TIFF stack or one plane as a PNG",
          "A TIFF stack holds every voxel as it is (lossless). A PNG holds one plane: 8 or 16-bit grey or\n"
          "RGB; wider and float voxels are scaled from the renderer's black to its white.\n",
@@ -60,9 +99,7 @@ const std::vector<XBrindleTool::XCommand> & XBrindleTool::GetCommands()
          "TYPE is grey8, grey16, float, argb32 or rgb48. The conversion is the library's own\n"
          "(XVolume::CopyIn): 16-bit grey into 8 bits keeps the high byte, float into integers maps the\n"
          "renderer's black..white onto the whole range, grey into float keeps the values.\n",
-         2, 2,
-         {{"type", true}, {"plane", true}, {"bits", true}},
-         &XBrindleTool::RunConvert},
+         2, 2, WithWriteOptions({{"type", true}}), &XBrindleTool::RunConvert},
         {"flip-h", "IN OUT", "flip every plane left to right", "", 2, 2, kWriteOptions, &XBrindleTool::RunTool},
         {"flip-v", "IN OUT", "flip every plane top to bottom", "", 2, 2, kWriteOptions, &XBrindleTool::RunTool},
         {"rotate-cw", "IN OUT", "rotate every plane by 90 degrees clockwise", "", 2, 2, kWriteOptions,
@@ -74,6 +111,18 @@ const std::vector<XBrindleTool::XCommand> & XBrindleTool::GetCommands()
         {"invert", "IN OUT", "invert the voxels (maximum - value)",
          "Grey and colour volumes of 8 and 16 bits; float and BGRA32 volumes are refused.\n", 2, 2, kWriteOptions,
          &XBrindleTool::RunTool},
+        {"resample", "IN OUT (--size WxHxD | --scale S[,SY,SZ]) [--filter NAME]",
+         "resample a volume onto a new grid",
+         "Resamples every axis whose extent changes with a filter of the library (XVolumeResampleTool),\n"
+         "one axis at a time. It takes 8-bit grey and colour volumes (grey8, mask, argb32, bgra32):\n"
+         "convert others first.\n"
+         "  --size WxHxD       the new extents\n"
+         "  --scale S[,SY,SZ]  the new extents as factors of the old, rounded (one factor: every axis)\n"
+         "  --filter NAME      simple, triangle, bell, bspline or lanczos3 (default: the smooth step\n"
+         "                     'simple' where an axis shrinks, 'bell' where it grows)\n"
+         "The origin stays; the voxel size grows as the grid shrinks, so the stack spans the same\n"
+         "length.\n",
+         2, 2, XResampleCommand::GetOptions(), &XBrindleTool::RunResample},
         {"median", "IN OUT [--size N] [--hybrid]", "smooth with a median filter",
          "Each voxel becomes the median of the cube of N x N x N voxels around it, of those that lie\n"
          "inside the volume (fewer at edges and corners; of an even count the lower middle one). Colour\n"
@@ -124,9 +173,7 @@ const std::vector<XBrindleTool::XCommand> & XBrindleTool::GetCommands()
          "16 bits, voxel size 0.2 x 0.2 x 0.5 micrometres, a few hundred blurred spots and five cells\n"
          "on an uneven background with noise.\n"
          "  --seed N   another seed for the spots and the noise\n",
-         1, 1,
-         {{"seed", true}, {"plane", true}, {"bits", true}},
-         &XBrindleTool::RunSample},
+         1, 1, WithWriteOptions({{"seed", true}}), &XBrindleTool::RunSample},
         {"demo", "[OUTDIR]", "run the typical road on the sample stack",
          "Makes the sample stack and runs on it what the library does today: statistics, stream and\n"
          "TIFF round trips, conversions, flips, rotations and invert, plane extraction. Writes the\n"
@@ -259,7 +306,7 @@ void XBrindleTool::PrintHelp(const XCommand & aCommand) const
     itsOut << "\n\n" << char(std::toupper(aCommand.itsSummary[0])) << (aCommand.itsSummary + 1) << ".\n";
     if (*aCommand.itsHelp != '\0')
         itsOut << aCommand.itsHelp;
-    if (aCommand.itsOptions.size() >= 2 && aCommand.itsOptions.back().itsName == "bits")
+    if (!aCommand.itsOptions.empty() && aCommand.itsOptions.back().itsName == kWriteOptions.back().itsName)
         itsOut << kWriteHelp;
 }
 
@@ -283,9 +330,13 @@ void XBrindleTool::WriteResult(const XVolume & aVolume, const std::string & aPat
     const std::optional<SInt64> bits = aLine.GetInteger("bits", 8, 16);
     if (bits && *bits != 8 && *bits != 16)
         throw XCommandError("option '--bits' is 8 or 16, not " + std::to_string(*bits), XCommandError::kUsage);
-    if (XVolumeFiles::KindOf(aPath) != XVolumeFiles::kPngFile && (aLine.GetValue("plane") || bits))
+    const XVolumeFiles::XFileKind kind = XVolumeFiles::KindOf(aPath);
+    if (kind != XVolumeFiles::kPngFile && (aLine.GetValue("plane") || bits))
         throw XCommandError("options '--plane' and '--bits' are for PNG files only", XCommandError::kUsage);
-    XVolumeFiles::Write(aVolume, aPath, plane, UInt32(bits.value_or(0)));
+    const bool bigTiff = aLine.HasFlag("bigtiff");
+    if (kind != XVolumeFiles::kTiffFile && bigTiff)
+        throw XCommandError("option '--bigtiff' is for TIFF files only", XCommandError::kUsage);
+    XVolumeFiles::Write(aVolume, aPath, plane, UInt32(bits.value_or(0)), bigTiff);
     const X3DRect & b = aVolume.GetBounds();
     Tell("wrote " + aPath + " (" + XVolumeKinds::Of(aVolume).itsName + ", " + std::to_string(b.GetWidth()) + " x " +
          std::to_string(b.GetHeight()) + " x " + std::to_string(b.GetDepth()) + ")");
@@ -300,10 +351,27 @@ void XBrindleTool::RunInfo(const XCommand &, const XCommandLine & aLine)
 
 void XBrindleTool::RunImport(const XCommand &, const XCommandLine & aLine)
 {
+    const std::string & input = aLine.GetPositionals()[0];
     const std::string & output = aLine.GetPositionals()[1];
     XVolumeFiles::KindOf(output);
-    std::unique_ptr<XVolume> volume = XTiffStackReader(aLine.GetPositionals()[0]).Read();
-    WriteResult(*volume, output, aLine);
+    const bool allChannels = aLine.HasFlag("all-channels");
+    if (allChannels && aLine.GetValue("channel"))
+        throw XCommandError("options '--channel' and '--all-channels' exclude each other", XCommandError::kUsage);
+    XTiffStackReader reader(input);
+    const XStackLayout & layout = reader.GetLayout();
+    const std::optional<SInt64> channel = aLine.GetInteger("channel", 0, layout.GetChannelCount() - 1);
+    const std::optional<SInt64> time = aLine.GetInteger("time", 0, layout.GetTimeCount() - 1);
+    if ((layout.GetChannelCount() > 1 && !channel && !allChannels) || (layout.GetTimeCount() > 1 && !time))
+        throw XCommandError("'" + input + "' holds " + layout.Describe() + "; " + HowToPick(layout),
+                            XCommandError::kUsage);
+    // One channel at a time, so that no more than one volume is held.
+    const UInt32 first = allChannels ? 0 : UInt32(channel.value_or(0));
+    const UInt32 end = allChannels ? layout.GetChannelCount() : first + 1;
+    for (UInt32 c = first; c < end; ++c)
+    {
+        const std::unique_ptr<XVolume> volume = reader.Read(c, UInt32(time.value_or(0)));
+        WriteResult(*volume, allChannels ? ChannelPath(output, c) : output, aLine);
+    }
 }
 
 void XBrindleTool::RunExport(const XCommand &, const XCommandLine & aLine)
@@ -338,6 +406,14 @@ void XBrindleTool::RunTool(const XCommand & aCommand, const XCommandLine & aLine
     WriteResult(*result, output, aLine);
 }
 
+void XBrindleTool::RunResample(const XCommand &, const XCommandLine & aLine)
+{
+    const std::string & output = aLine.GetPositionals()[1];
+    XVolumeFiles::KindOf(output);
+    const XFilterMode mode = XResampleCommand::GetFilterMode(aLine);
+    std::unique_ptr<XVolume> volume = XVolumeFiles::Read(aLine.GetPositionals()[0]);
+    const X3DRect bounds = XResampleCommand::GetTargetBounds(aLine, volume->GetBounds());
+    WriteResult(*XResampleCommand::Resample(*volume, bounds, mode), output, aLine);
 void XBrindleTool::RunFilter(const XCommand & aCommand, const XCommandLine & aLine)
 {
     const XFilterCommands filter(aCommand.itsName, aLine);

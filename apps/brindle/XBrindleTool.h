@@ -52,6 +52,7 @@ private:
     void RunExport(const XCommand & aCommand, const XCommandLine & aLine);
     void RunConvert(const XCommand & aCommand, const XCommandLine & aLine);
     void RunTool(const XCommand & aCommand, const XCommandLine & aLine);
+    void RunResample(const XCommand & aCommand, const XCommandLine & aLine);
     void RunFilter(const XCommand & aCommand, const XCommandLine & aLine);
     void RunSample(const XCommand & aCommand, const XCommandLine & aLine);
     void RunDemo(const XCommand & aCommand, const XCommandLine & aLine);

@@ -9,7 +9,9 @@
 //   5. conversions into grey8, float, argb32 and rgb48 through CopyIn, and float back to grey16;
 //   6. the tools: flips, rotations and invert, with PNGs of their middle planes;
 //   7. plane extraction: XY, XZ and YZ planes, the last two scaled to square pixels;
-//   8. a median filter of size 3, with a PNG of its middle plane.
+//   8. resampling: the stack in 8 bits reduced to half its extents with the triangle filter,
+//      with a PNG of its middle plane.
+//   9. a median filter of size 3, with a PNG of its middle plane.
 // Steps check what can be told without the library (a voxel of a conversion, a round trip that
 // must give the original back); the report counts the checks that failed.
 
@@ -43,6 +45,7 @@ private:
     void ConvertTypes();
     void ApplyTools();
     void ExtractPlanes();
+    void ResampleSample();
     void FilterMedian();
 
     // The path of a file in the output folder.

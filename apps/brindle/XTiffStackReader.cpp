@@ -13,6 +13,7 @@
 #include "XFPVolume.h"
 #include "XImageRenderer.h"
 #include "XLock.h"
+#include "XOmeMetadata.h"
 #include "XProgress.h"
 #include "XRGB48Volume.h"
 #include "XTiffMessages.h"
@@ -128,7 +129,8 @@ XTiffStackReader::XTiffStackReader(const std::string & aPath) : itsPath(aPath)
         throw XCommandError("cannot read '" + aPath + "': it is a folder");
 
     XTiffMessages::Begin();
-    itsTiffHandle.reset(TIFFOpen(aPath.c_str(), "r"));
+    // "m": read, not mapped; the pages of a mapped file would count as memory beside the volume.
+    itsTiffHandle.reset(TIFFOpen(aPath.c_str(), "rm"));
     itsTiff = itsTiffHandle.get();
     if (itsTiff == nullptr)
         throw XCommandError(XTiffMessages::With("cannot read '" + aPath + "' as a TIFF file"));
@@ -169,6 +171,35 @@ XTiffStackReader::XTiffStackReader(const std::string & aPath) : itsPath(aPath)
         itsFormat.itsWidth > kMaxExtent || itsFormat.itsHeight > kMaxExtent)
         throw XCommandError("cannot read '" + aPath + "': it claims " + itsFormat.Describe() + " voxels on " +
                             std::to_string(itsPages.size()) + " pages, more than its data can hold");
+    ReadLayout();
+}
+
+void XTiffStackReader::ReadLayout()
+{
+    TIFFSetDirectory(itsTiff, tdir_t(itsPages.front()));
+    char * description = nullptr;
+    TIFFGetField(itsTiff, TIFFTAG_IMAGEDESCRIPTION, &description);
+    itsImageJ = ParseImageJDescription(description);
+    const XStackLayout::XPages pages{itsPages, GetWidth(), GetHeight(), itsFormat.itsSamplesPerPixel,
+                                     std::filesystem::path(itsPath).filename().string()};
+    try
+    {
+        const std::optional<XOmeMetadata> ome =
+            description == nullptr ? std::nullopt : XOmeMetadata::Parse(description);
+        if (ome)
+        {
+            itsLayout = XStackLayout::FromOme(*ome, pages);
+            itsPhysicalSize = ome->itsPhysicalSize;
+        }
+        else
+        {
+            itsLayout = XStackLayout::FromImageJ(itsImageJ, pages);
+        }
+    }
+    catch (const XCommandError & anError)
+    {
+        throw XCommandError("cannot read '" + itsPath + "': " + anError.what());
+    }
 }
 
 void XTiffStackReader::XTiffCloser::operator()(tiff * aTiff) const
@@ -255,19 +286,31 @@ XVolumeKindID XTiffStackReader::ChooseKind(const XPageFormat & aFormat, UInt32 a
 
 std::unique_ptr<XVolume> XTiffStackReader::Read()
 {
+    if (!GetLayout().IsOneVolume())
+        throw XCommandError("cannot read '" + itsPath + "' as one volume: it holds " + GetLayout().Describe() +
+                            " (brindle import picks one with --channel and --time)");
+    return Read(0, 0);
+}
+
+std::unique_ptr<XVolume> XTiffStackReader::Read(UInt32 aChannel, UInt32 aTime)
+{
     const XVolumeKind & kind = GetKind();
-    std::unique_ptr<XVolume> volume(kind.itsMake(X3DRect(GetWidth(), GetHeight(), GetPageCount())));
+    const UInt32 slices = GetLayout().GetSliceCount();
+    std::unique_ptr<XVolume> volume(kind.itsMake(X3DRect(GetWidth(), GetHeight(), slices)));
     auto & packed = dynamic_cast<XBasePackedVolume &>(*volume);
     {
         XLock lock(packed, kLockWrite);
-        XProgress progress(GetPageCount(), XProgress::kProgressWithEstimate, XProgress::kDefaultDelayMs, false);
+        XProgress progress(slices, XProgress::kProgressWithEstimate, XProgress::kDefaultDelayMs, false);
         progress.SetMessage(XString("Reading " + std::filesystem::path(itsPath).filename().string()));
-        for (UInt32 i = 0; i < GetPageCount(); ++i)
+        for (UInt32 z = 0; z < slices; ++z)
         {
+            const UInt32 directory = GetLayout().GetDirectory(aChannel, z, aTime);
+            const auto page = std::lower_bound(itsPages.begin(), itsPages.end(), directory);
+            const UInt32 pageNumber = UInt32(page - itsPages.begin()) + 1;
             XTiffMessages::Begin();
-            if (TIFFSetDirectory(itsTiff, tdir_t(itsPages[i])) != 1)
-                FailPage(i + 1, XTiffMessages::With("cannot be found"));
-            ReadPage(packed, i);
+            if (TIFFSetDirectory(itsTiff, tdir_t(directory)) != 1)
+                FailPage(pageNumber, XTiffMessages::With("cannot be found"));
+            ReadPage(packed, z, pageNumber);
             progress.Increment();
         }
     }
@@ -275,16 +318,16 @@ std::unique_ptr<XVolume> XTiffStackReader::Read()
     return volume;
 }
 
-void XTiffStackReader::ReadPage(XBasePackedVolume & aVolume, UInt32 anIndex)
+void XTiffStackReader::ReadPage(XBasePackedVolume & aVolume, UInt32 anIndex, UInt32 aPageNumber)
 {
     UInt8 * plane = aVolume.GetLayerPtr(SInt32(anIndex));
     const UInt64 rowBytes = aVolume.GetRowBytes();
     const bool sameLayout = itsFormat.itsKind != kARGB32Kind &&
                             (itsFormat.itsSamplesPerPixel == 1 || itsFormat.itsPlanarConfig == PLANARCONFIG_CONTIG);
     if (!itsFormat.itsTiled && sameLayout)
-        ReadStripsDirectly(plane, rowBytes, anIndex + 1);
+        ReadStripsDirectly(plane, rowBytes, aPageNumber);
     else
-        ReadBlocks(plane, rowBytes, anIndex + 1);
+        ReadBlocks(plane, rowBytes, aPageNumber);
 
     if (itsFormat.itsPhotometric == PHOTOMETRIC_MINISWHITE)
     {
@@ -409,9 +452,7 @@ void XTiffStackReader::StoreBlock(const UInt8 * aBlock, UInt64 aBlockRowBytes, U
 void XTiffStackReader::ReadCalibration(XVolume & aVolume)
 {
     TIFFSetDirectory(itsTiff, tdir_t(itsPages.front()));
-    char * description = nullptr;
-    TIFFGetField(itsTiff, TIFFTAG_IMAGEDESCRIPTION, &description);
-    const std::map<std::string, std::string> imageJ = ParseImageJDescription(description);
+    const std::map<std::string, std::string> & imageJ = itsImageJ;
     const auto unitField = imageJ.find("unit");
     const double imageJUnit = MicrometresPerImageJUnit(unitField == imageJ.end() ? "" : unitField->second);
 
@@ -429,6 +470,12 @@ void XTiffStackReader::ReadCalibration(XVolume & aVolume)
     const double spacing = FieldNumber(imageJ, "spacing");
     if (spacing > 0.0 && std::isfinite(spacing))
         aVolume.SetZCalibration((unitField == imageJ.end() ? micrometres : imageJUnit) * spacing);
+    if (itsPhysicalSize[0])
+        aVolume.SetXCalibration(*itsPhysicalSize[0]);
+    if (itsPhysicalSize[1])
+        aVolume.SetYCalibration(*itsPhysicalSize[1]);
+    if (itsPhysicalSize[2])
+        aVolume.SetZCalibration(*itsPhysicalSize[2]);
 
     if (!aVolume.HasPlaneRenderer())
         return;

@@ -11,16 +11,28 @@
 // are read as their 8-bit indices. Signed integers, 64-bit floats, other sample sizes, and
 // pages with more channels than red, green and blue are refused.
 //
-// Calibrations, in micrometres, come from the resolution tags when they are present (their
-// unit inch or centimetre; without a unit, the unit of ImageJ's description, micrometres when
-// it names none), and the z calibration from ImageJ's "spacing" when present; a missing one
-// stays 1. ImageJ's display range (its "min" and "max") becomes the renderer's black and white;
-// a float stack without one gets its data's range.
+// A stack may hold several channels or time points (XStackLayout): an ImageJ hyperstack or an
+// OME-TIFF file. A volume is then one channel at one time point, its slices in order.
+//
+// Calibrations, in micrometres, come from OME-XML's physical sizes when it gives them, else from
+// the resolution tags when they are present (their unit inch or centimetre; without a unit, the
+// unit of ImageJ's description, micrometres when it names none), and the z calibration from
+// ImageJ's "spacing" when present; a missing one stays 1. ImageJ's display range (its "min" and
+// "max") becomes the renderer's black and white; a float stack without one gets its data's
+// range.
+//
+// Classic TIFF and BigTIFF files are read alike. Pages are decoded straight into the volume
+// where their layout allows, and the file is read, not mapped, so that reading holds little
+// more memory than the volume.
 
+#include <array>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "XStackLayout.h"
 #include "XTypes.h"
 #include "XVolumeKinds.h"
 
@@ -31,8 +43,9 @@ struct tiff;
 class XTiffStackReader
 {
 public:
-    // Opens aPath and checks every page; XCommandError when the file cannot be read or holds
-    // pages that this reader does not take.
+    // Opens aPath and checks every page and the description's layout; XCommandError when the
+    // file cannot be read, holds pages that this reader does not take, or a description that
+    // does not fit them.
     explicit XTiffStackReader(const std::string & aPath);
     XTiffStackReader(const XTiffStackReader &) = delete;
     XTiffStackReader & operator=(const XTiffStackReader &) = delete;
@@ -41,10 +54,13 @@ public:
     UInt32 GetHeight() const { return itsFormat.itsHeight; }
     UInt32 GetPageCount() const { return UInt32(itsPages.size()); }
     const XVolumeKind & GetKind() const;
+    const XStackLayout & GetLayout() const { return *itsLayout; }
 
-    // The whole stack as a new volume, with its calibrations and display range. Reports
-    // progress page by page.
+    // The whole stack as a new volume, with its calibrations and display range; XCommandError
+    // for a stack of several channels or time points. Reports progress page by page.
     std::unique_ptr<XVolume> Read();
+    // The slices of one channel at one time point, both in range of the layout.
+    std::unique_ptr<XVolume> Read(UInt32 aChannel, UInt32 aTime);
 
 private:
     // What a page holds and how it is laid out.
@@ -68,8 +84,10 @@ private:
     // The format of the current page; XCommandError for a type that is refused.
     XPageFormat ReadPageFormat(UInt32 aPageNumber) const;
     XVolumeKindID ChooseKind(const XPageFormat & aFormat, UInt32 aPageNumber) const;
-    // The voxels of the current page into layer anIndex of aVolume.
-    void ReadPage(XBasePackedVolume & aVolume, UInt32 anIndex);
+    // The description's layout of the pages, and the voxel size that OME-XML gives.
+    void ReadLayout();
+    // The voxels of the current page, page aPageNumber of the file, into layer anIndex of aVolume.
+    void ReadPage(XBasePackedVolume & aVolume, UInt32 anIndex, UInt32 aPageNumber);
     void ReadStripsDirectly(UInt8 * aPlane, UInt64 aRowBytes, UInt32 aPageNumber);
     void ReadBlocks(UInt8 * aPlane, UInt64 aRowBytes, UInt32 aPageNumber);
     // Copies a decoded strip or tile that starts at (aX, aY) into the plane: aColumns by aRows
@@ -90,4 +108,7 @@ private:
     tiff * itsTiff = nullptr; // the handle's file, for libtiff's calls
     XPageFormat itsFormat;
     std::vector<UInt32> itsPages; // the directory numbers of the full-size pages
+    std::optional<XStackLayout> itsLayout;
+    std::map<std::string, std::string> itsImageJ;           // the fields of ImageJ's description
+    std::array<std::optional<double>, 3> itsPhysicalSize; // from OME-XML, in micrometres
 };

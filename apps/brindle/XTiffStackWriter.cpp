@@ -87,7 +87,7 @@ struct XTiffCloser
 };
 } // namespace
 
-void XTiffStackWriter::Write(const XVolume & aVolume, const std::string & aPath)
+void XTiffStackWriter::Write(const XVolume & aVolume, const std::string & aPath, bool aBigTiff)
 {
     const XVolumeKind & kind = XVolumeKinds::Of(aVolume);
     const XTiffLayout layout = LayoutOf(kind.itsID);
@@ -102,7 +102,8 @@ void XTiffStackWriter::Write(const XVolume & aVolume, const std::string & aPath)
     const UInt64 totalBytes = tiffRowBytes * height * aVolume.GetDepth();
 
     XTiffMessages::Begin();
-    std::unique_ptr<TIFF, XTiffCloser> tiff(TIFFOpen(aPath.c_str(), totalBytes > kBigTiffThreshold ? "w8" : "w"));
+    const bool bigTiff = aBigTiff || totalBytes > kBigTiffThreshold;
+    std::unique_ptr<TIFF, XTiffCloser> tiff(TIFFOpen(aPath.c_str(), bigTiff ? "w8" : "w"));
     if (!tiff)
         throw XCommandError(XTiffMessages::With("cannot write '" + aPath + "'"));
     const std::string description = MakeImageJDescription(aVolume, kind);

@@ -91,7 +91,8 @@ std::unique_ptr<XVolume> XVolumeFiles::ReadStream(const std::string & aPath)
     }
 }
 
-void XVolumeFiles::Write(const XVolume & aVolume, const std::string & aPath, SInt32 aPlane, UInt32 aBits)
+void XVolumeFiles::Write(const XVolume & aVolume, const std::string & aPath, SInt32 aPlane, UInt32 aBits,
+                         bool aBigTiff)
 {
     const XFileKind kind = KindOf(aPath);
     if (kind == kStreamFile)
@@ -101,7 +102,7 @@ void XVolumeFiles::Write(const XVolume & aVolume, const std::string & aPath, SIn
     }
     XOutputFile output(aPath);
     if (kind == kTiffFile)
-        XTiffStackWriter::Write(aVolume, output.GetWritePath());
+        XTiffStackWriter::Write(aVolume, output.GetWritePath(), aBigTiff);
     else
         XPngPlaneWriter::Write(aVolume, aPlane, aBits, output.GetWritePath());
     output.Commit();

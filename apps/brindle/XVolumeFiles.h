@@ -40,7 +40,8 @@ public:
     static std::unique_ptr<XVolume> ReadStream(const std::string & aPath);
 
     // Writes aVolume to a file of the kind that aPath names; aPlane and aBits are used for PNG
-    // only (see XPngPlaneWriter).
-    static void Write(const XVolume & aVolume, const std::string & aPath, SInt32 aPlane = 0, UInt32 aBits = 0);
+    // only (see XPngPlaneWriter), aBigTiff for TIFF only (see XTiffStackWriter).
+    static void Write(const XVolume & aVolume, const std::string & aPath, SInt32 aPlane = 0, UInt32 aBits = 0,
+                      bool aBigTiff = false);
     static void WriteStream(const XVolume & aVolume, const std::string & aPath, XByteOrder anOrder = kLittleEndian);
 };

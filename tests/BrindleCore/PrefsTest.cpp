@@ -209,10 +209,12 @@ TEST(PrefsTest, ThreadsSetWhileAnotherSaves)
     XTemporaryFolder folder;
     XPrefsSaver prefs(folder.Spec("prefs"));
     RunOnThreads(5, [&prefs](int aWorker) { // four set values while the fifth saves
+        std::string section = "W"; // appended: g++ 12 at -O3 warns falsely of "W" + std::to_string(...)
+        section += std::to_string(aWorker);
         for (UInt32 i = 0; i < 200; ++i)
         {
             if (aWorker < 4)
-                prefs.SetUInt32("W" + std::to_string(aWorker), std::to_string(i), i * 3);
+                prefs.SetUInt32(section, std::to_string(i), i * 3);
             else if (i % 40 == 0)
                 prefs.Save();
         }

@@ -199,7 +199,7 @@ TEST_F(Commands, DemoWritesItsFilesAndReport)
     ASSERT_EQ(result.itsStatus, 0) << result;
     const std::string report = XReadText(itsFolder / "out" / "report.txt");
     EXPECT_EQ(result.itsOut, report);
-    EXPECT_NE(report.find("\nChecks: 22 passed, 0 failed\n"), std::string::npos) << report;
+    EXPECT_NE(report.find("\nChecks: 24 passed, 0 failed\n"), std::string::npos) << report;
     for (const char * name : {"sample.bvol", "sample.tif", "sample-grey8.bvol", "sample-float.bvol", "sample-median-xy-16.png"})
         EXPECT_TRUE(std::filesystem::exists(itsFolder / "out" / name)) << name;
     const XPngPicture xz = XReadPng((itsFolder / "out" / "plane-xz-70.png").string());
@@ -208,6 +208,9 @@ TEST_F(Commands, DemoWritesItsFilesAndReport)
     EXPECT_EQ(xz.itsBits, 8);
     const XPngPicture inverted = XReadPng((itsFolder / "out" / "sample-invert-xy-16.png").string());
     EXPECT_EQ(inverted.itsWidth, 256u);
+    const XPngPicture half = XReadPng((itsFolder / "out" / "sample-half-xy-8.png").string());
+    EXPECT_EQ(half.itsWidth, 128u);
+    EXPECT_EQ(half.itsHeight, 128u);
 
     // Quiet, into the default folder.
     const XBrindleResult quiet = Run({"demo", "--quiet"});
@@ -221,7 +224,7 @@ TEST_F(Commands, HelpVersionAndSelfCheck)
     const XBrindleResult usage = Run({"--help"});
     EXPECT_EQ(usage.itsStatus, 0);
     for (const char * name : {"info", "import", "export", "convert", "flip-h", "flip-v", "rotate-cw", "rotate-ccw",
-                              "rotate-180", "invert", "median", "dilate", "erode", "convolve", "sample", "demo",
+                              "rotate-180", "invert", "resample", "median", "dilate", "erode", "convolve", "sample", "demo",
                               "self-check"})
     {
         EXPECT_NE(usage.itsOut.find(std::string("\n  ") + name + " "), std::string::npos) << name;

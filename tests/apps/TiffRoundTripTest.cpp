@@ -106,6 +106,15 @@ std::vector<XTiffSpec> AllKinds()
     floats.itsCompression = COMPRESSION_ADOBE_DEFLATE;
     floats.itsPredictor = PREDICTOR_FLOATINGPOINT;
     specs.push_back(floats);
+    // BigTIFF, with libtiff's 64-bit offsets, in both byte orders.
+    for (bool bigEndian : {false, true})
+    {
+        XTiffSpec big;
+        big.itsBigTiff = true;
+        big.itsTiled = bigEndian;
+        big.itsBigEndian = bigEndian;
+        specs.push_back(big);
+    }
     for (UInt16 bits : {8, 16})
         for (bool tiled : {false, true})
         {
@@ -274,4 +283,28 @@ TEST_F(TiffImport, FloatStacksShowTheirDataRange)
     ASSERT_EQ(info.itsStatus, 0) << info;
     EXPECT_NE(info.itsOut.find("renderer     black -1, white 3,"), std::string::npos) << info;
     EXPECT_NE(info.itsOut.find("minimum      -1\nmaximum      3\nmean         1\n"), std::string::npos) << info;
+}
+
+TEST_F(TiffImport, BigTiffOnRequestHoldsTheSameStack)
+{
+    XGrey16Volume volume(X3DRect(3, 2, 2));
+    XSetVoxels<UInt16>(volume, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
+    volume.SetXCalibration(0.25);
+    volume.SetZCalibration(2.0);
+    XWriteVolumeFile(volume, PathOf("v.bvol"));
+    ASSERT_EQ(Run({"export", "v.bvol", "classic.tif"}).itsStatus, 0);
+    ASSERT_EQ(Run({"export", "v.bvol", "big.tif", "--bigtiff"}).itsStatus, 0);
+    // The version word after the byte order: 42 for classic TIFF, 43 for BigTIFF.
+    EXPECT_EQ(XReadText(PathOf("classic.tif")).substr(0, 4), std::string("II\x2A\0", 4));
+    EXPECT_EQ(XReadText(PathOf("big.tif")).substr(0, 4), std::string("II\x2B\0", 4));
+    EXPECT_TRUE(XReadTiff(PathOf("big.tif")).itsPages == XReadTiff(PathOf("classic.tif")).itsPages);
+
+    ASSERT_EQ(Run({"import", "big.tif", "back.bvol"}).itsStatus, 0);
+    const auto back = XReadVolumeFile<XGrey16Volume>(PathOf("back.bvol"));
+    EXPECT_TRUE(*back == volume);
+    EXPECT_EQ(back->GetXCalibration(), 0.25);
+    EXPECT_EQ(back->GetZCalibration(), 2.0);
+
+    const XBrindleResult png = Run({"export", "v.bvol", "v.png", "--bigtiff"});
+    EXPECT_TRUE(png.FailedWith(2, "export", "option '--bigtiff' is for TIFF files only")) << png;
 }

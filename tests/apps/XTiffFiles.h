@@ -22,6 +22,7 @@ struct XTiffSpec
     UInt16 itsFormat = SAMPLEFORMAT_UINT;
     bool itsTiled = false;
     bool itsBigEndian = false;
+    bool itsBigTiff = false;
     bool itsSeparate = false; // RGB in separate sample planes
     UInt16 itsCompression = COMPRESSION_NONE;
     UInt16 itsPredictor = PREDICTOR_NONE;
@@ -42,6 +43,8 @@ struct XTiffSpec
         std::string name = (itsFormat == SAMPLEFORMAT_IEEEFP ? "Float" : itsFormat == SAMPLEFORMAT_INT ? "Int" : "UInt") +
                            std::to_string(itsBits) + (itsChannels == 3 ? "RGB" : "Grey") +
                            (itsTiled ? "Tiles" : "Strips") + (itsBigEndian ? "BigEndian" : "LittleEndian");
+        if (itsBigTiff)
+            name += "BigTiff";
         if (itsSeparate)
             name += "Separate";
         if (itsCompression == COMPRESSION_ADOBE_DEFLATE)
@@ -96,7 +99,8 @@ inline void XPutSample(UInt8 * aPlace, UInt16 aBits, UInt64 aValue)
 // Makes the stack; false when libtiff refused.
 inline bool XMakeTiff(const std::string & aPath, const XTiffSpec & aSpec)
 {
-    TIFF * tiff = TIFFOpen(aPath.c_str(), aSpec.itsBigEndian ? "wb" : "wl");
+    const std::string mode = std::string(aSpec.itsBigEndian ? "wb" : "wl") + (aSpec.itsBigTiff ? "8" : "");
+    TIFF * tiff = TIFFOpen(aPath.c_str(), mode.c_str());
     if (tiff == nullptr)
         return false;
     const UInt32 bytes = aSpec.itsBits / 8;

@@ -3,10 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <string>
+
 #include "X3DPoint.h"
 #include "X3DRect.h"
 #include "XRect.h"
 #include "XRectF.h"
+#include "XTestSupport.h"
 
 namespace
 {
@@ -132,4 +136,36 @@ TEST(BoxTest, CentringScalingAndMappingRoundAsTheBoxDoes)
     X3DRect m(5, 1, 0, 5, 3, 10);
     m.Map(X3DRect(0, 0, 0, 10, 10, 10), X3DRect(100, 100, 100, 103, 103, 103));
     EXPECT_TRUE(HasEdges(m, 102, 100, 100, 102, 101, 103));
+}
+
+TEST(BoxTest, ZeroExtentsAndEdgesBeyondTheCoordinatesAreInternalErrors)
+{
+    X3DRect b(1, 1, 1, 2, 2, 2);
+    EXPECT_EQ(AssertionOf([&] { b.Map(X3DRect(0, 0, 0, 10, 0, 10), X3DRect(0, 0, 0, 5, 5, 5)); }),
+              "source extent != 0");
+    EXPECT_TRUE(HasEdges(b, 1, 1, 1, 2, 2, 2)); // x is not mapped before y is refused
+    const std::string range = "value finite and within the integer range";
+    X3DRect wide(0, 0, 0, 2, 1, 1); // 2 * 2000000000 / 1 does not fit a coordinate
+    EXPECT_EQ(AssertionOf([&] { wide.Map(X3DRect(0, 0, 0, 1, 1, 1), X3DRect(0, 0, 0, 2000000000, 1, 1)); }), range);
+    // Edges 4e9 away from the source's left edge map exactly; the difference needs 64 bits.
+    X3DRect far(2000000000, 0, 0, 2000000001, 1, 1);
+    const X3DRect frame(-2000000000, 0, 0, 2000000002, 1, 1);
+    far.Map(frame, frame);
+    EXPECT_TRUE(HasEdges(far, 2000000000, 0, 0, 2000000001, 1, 1));
+
+    // ScaleTo: 0 / 0 has no ratio, and a box with no extent at all no finite scale; a flat box
+    // scales on its other axes (ratios infinite, 2, 2) and stays flat, centred.
+    EXPECT_EQ(AssertionOf([] { X3DRect(0, 0, 0, 0, 5, 5).ScaleTo(X3DRect(0, 0, 0, 0, 10, 10)); }),
+              "extent != 0 || destination extent != 0");
+    EXPECT_EQ(AssertionOf([] { X3DRect().ScaleTo(X3DRect(0, 0, 0, 10, 10, 10)); }), "scale is finite");
+    X3DRect flat(0, 0, 0, 0, 5, 5);
+    flat.ScaleTo(X3DRect(0, 0, 0, 10, 10, 10));
+    EXPECT_TRUE(HasEdges(flat, 5, 0, 0, 5, 10, 10));
+
+    // ScaleBy rounds into a 32-bit length: a width of 3e9 stays as it is, NaN is refused.
+    X3DRect broad(-1500000000, 0, 0, 1500000000, 1, 1);
+    broad.ScaleBy(1.0, 1.0, 1.0);
+    EXPECT_TRUE(HasEdges(broad, -1500000000, 0, 0, 1500000000, 1, 1));
+    EXPECT_EQ(AssertionOf([&] { broad.ScaleBy(1.0, 1.0, std::numeric_limits<double>::quiet_NaN()); }), range);
+    EXPECT_EQ(AssertionOf([] { X3DRect(XRectF(0, 0, 1, 3e9f), 0, 1); }), range);
 }

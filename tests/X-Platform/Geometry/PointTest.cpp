@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <string>
 #include <type_traits>
 
 #include "X3DPoint.h"
@@ -13,6 +14,7 @@
 #include "X3DRect.h"
 #include "XPoint.h"
 #include "XPointF.h"
+#include "XTestSupport.h"
 
 TEST(PointTest, ArithmeticIsElementwiseAndIntegerDivisionTruncates)
 {
@@ -34,6 +36,38 @@ TEST(PointTest, ArithmeticIsElementwiseAndIntegerDivisionTruncates)
     X3DPointF q(1.0f, 2.0f, 3.0f);
     q /= 2.0f;
     EXPECT_EQ(q, X3DPointF(0.5f, 1.0f, 1.5f));
+}
+
+TEST(PointTest, IntegerFaultsAreInternalErrorsAndLeaveThePoint)
+{
+    const std::string zero = "divisor != 0";
+    EXPECT_EQ(AssertionOf([] { (void)(XPoint(1, 1) / XPoint(0, 1)); }), zero);
+    EXPECT_EQ(AssertionOf([] { (void)(XPoint(1, 1) / XPoint(1, 0)); }), zero);
+    EXPECT_EQ(AssertionOf([] { (void)(XPoint(1, 1) / 0); }), zero);
+    EXPECT_EQ(AssertionOf([] { (void)(X3DPoint(1, 1, 1) / X3DPoint(1, 1, 0)); }), zero);
+    XPoint p(6, 8);
+    EXPECT_EQ(AssertionOf([&] { p /= XPoint(2, 0); }), zero);
+    EXPECT_EQ(p, XPoint(6, 8)); // x is not halved before y is refused
+    X3DPoint q(6, 8, 10);
+    EXPECT_EQ(AssertionOf([&] { q /= 0; }), zero);
+    EXPECT_EQ(q, X3DPoint(6, 8, 10));
+    // The smallest value over -1 traps in the processor just as a zero divisor does.
+    const SInt32 smallest = std::numeric_limits<SInt32>::min();
+    EXPECT_EQ(AssertionOf([&] { (void)(XPoint(smallest, 1) / -1); }), "quotient within range");
+    EXPECT_EQ(XPoint(smallest + 1, smallest) / XPoint(-1, 1), XPoint(-(smallest + 1), smallest));
+
+    // Float points divide by IEEE rules; what comes of it cannot become an integer point.
+    const XPointF infinite = XPointF(1.0f, -1.0f) / 0.0f;
+    EXPECT_EQ(infinite, XPointF(std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity()));
+    const std::string range = "value finite and within the integer range";
+    EXPECT_EQ(AssertionOf([&] { XPoint converted(infinite); }), range);
+    EXPECT_EQ(AssertionOf([] { X3DPoint converted(X3DPointF(0.0f, 0.0f, 0.0f) / 0.0f); }), range);
+    EXPECT_EQ(AssertionOf([] { X3DPoint converted(XPointF(2147483648.0f, 0.0f), 0); }), range);
+    XPoint r(1, 0);
+    EXPECT_EQ(AssertionOf([&] { r.Rotate(std::numeric_limits<double>::quiet_NaN()); }), range);
+    XPoint far(2147483647, 2147483647); // an eighth of a turn puts y at 2147483647 * sqrt(2)
+    EXPECT_EQ(AssertionOf([&] { far.Rotate(std::numbers::pi / 4); }), range);
+    EXPECT_EQ(XPoint(XPointF(2147483520.0f, -2147483648.0f)), XPoint(2147483520, smallest));
 }
 
 TEST(PointTest, OrderingIsLexicographic)

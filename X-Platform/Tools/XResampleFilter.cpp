@@ -1,0 +1,3 @@
+#include "XResampleFilter.h"
+
+XResampleFilter::~XResampleFilter() = default;
