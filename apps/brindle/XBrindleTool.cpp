@@ -414,6 +414,8 @@ void XBrindleTool::RunResample(const XCommand &, const XCommandLine & aLine)
     std::unique_ptr<XVolume> volume = XVolumeFiles::Read(aLine.GetPositionals()[0]);
     const X3DRect bounds = XResampleCommand::GetTargetBounds(aLine, volume->GetBounds());
     WriteResult(*XResampleCommand::Resample(*volume, bounds, mode), output, aLine);
+}
+
 void XBrindleTool::RunFilter(const XCommand & aCommand, const XCommandLine & aLine)
 {
     const XFilterCommands filter(aCommand.itsName, aLine);
