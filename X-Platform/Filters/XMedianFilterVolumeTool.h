@@ -16,8 +16,6 @@
 // histogram that slides along the row (each step trades one column of size * size values);
 // otherwise quickselect over the gathered values.
 
-#include <initializer_list>
-
 #include "X1To1VolumeTool.h"
 #include "XTypes.h"
 
@@ -41,9 +39,5 @@ protected:
     void ApplyToolFP(const XFPVolume & aSource, XFPVolume & aDest) override;
 
 private:
-    // Filters the channel of type C of volumes of voxel type TVolType at each of the offsets.
-    template <typename TVolType, typename C, class Volume>
-    void Filter(const Volume & aSource, Volume & aDest, std::initializer_list<UInt32> aChannelOffsets) const;
-
     UInt32 itsSize;
 };

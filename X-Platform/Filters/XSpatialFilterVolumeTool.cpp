@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -15,16 +14,11 @@
 #include "XNeighbourRows.h"
 #include "XNeighbourhoodScanner.h"
 #include "XSimdVector.h"
+#include "XTruncateToSInt32.h"
 #include "XWidestKernel.h"
 
 namespace
 {
-// trunc(aValue) as the processor converts: beyond 32 bits, and for NaN, 0x80000000.
-inline SInt32 XTruncate(float aValue)
-{
-    return aValue >= -2147483648.0f && aValue < 2147483648.0f ? SInt32(aValue) : std::numeric_limits<SInt32>::min();
-}
-
 // The result of a voxel in channel type C: trunc(sum + bias) in its low bits, or for floats
 // sum + bias.
 template <typename C>
@@ -33,7 +27,7 @@ inline C XFilterResult(float aSum, float aBias)
     if constexpr (std::is_same_v<C, float>)
         return aSum + aBias;
     else
-        return C(UInt32(XTruncate(aSum + aBias)));
+        return C(UInt32(XTruncateToSInt32(aSum + aBias)));
 }
 
 // One call's convolution of one channel of type C.

@@ -26,16 +26,14 @@ template <class V>
 std::vector<typename V::XVoxel> Filtered(XSpatialFilterVolumeTool & aTool, const X3DRect & aBounds,
                                          const std::vector<typename V::XVoxel> & aVoxels)
 {
-    const std::unique_ptr<XVolume> result(aTool.ApplyTool(XMakeVolume<V>(aBounds, aVoxels)));
-    return XGetVoxels(dynamic_cast<const V &>(*result));
+    return XFiltered(aTool, XMakeVolume<V>(aBounds, aVoxels));
 }
 
 template <class V>
 class SpatialFilterByType : public ::testing::Test
 {
 };
-using GreyTypes = ::testing::Types<XGrey8Volume, XGrey16Volume, XFPVolume>;
-TYPED_TEST_SUITE(SpatialFilterByType, GreyTypes);
+TYPED_TEST_SUITE(SpatialFilterByType, XFilterGreyTypes);
 } // namespace
 
 TEST(SpatialFilter, WeightsAreDividedByTheirFloatSumTakenInArrayOrder)
