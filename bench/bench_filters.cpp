@@ -173,43 +173,46 @@ void Dilate(benchmark::State & aState, XPath aPath)
         return "sum=" + std::to_string(UInt64(Sums<XGrey16Volume>(aResult).first));
     });
 }
-} // namespace
+// Registers the row "workload|tool|1", one call an iteration, aRepeats times.
+void Register(const std::string & aWorkload, const std::string & aTool, int aRepeats,
+              const std::function<void(benchmark::State &)> & aRun)
+{
+    benchmark::RegisterBenchmark((aWorkload + "|" + aTool + "|1").c_str(), aRun)
+        ->UseManualTime()
+        ->Iterations(1)
+        ->Repetitions(aRepeats);
+}
 
-#define BRINDLE_FILTER_BENCH(name, repeats, ...)                                                            \
-    benchmark::RegisterBenchmark(name, __VA_ARGS__)->UseManualTime()->Iterations(1)->Repetitions(repeats)
+// The same on each path: the fast one, without AVX2, and by the plain rule (3 times, being slow).
+void RegisterPaths(const std::string & aWorkload, const std::string & aTool, int aRepeats,
+                   const std::function<void(benchmark::State &, XPath)> & aRun)
+{
+    Register(aWorkload, aTool, aRepeats, [aRun](benchmark::State & aState) { aRun(aState, kFast); });
+    Register(aWorkload, aTool + " baseline", aRepeats, [aRun](benchmark::State & aState) { aRun(aState, kBaseline); });
+    Register(aWorkload, aTool + " plain rule", 3, [aRun](benchmark::State & aState) { aRun(aState, kPlain); });
+}
+
+std::string Extent(UInt32 aSize)
+{
+    return std::to_string(aSize) + "x" + std::to_string(aSize) + "x" + std::to_string(aSize);
+}
+} // namespace
 
 int main(int argc, char ** argv)
 {
     benchmark::Initialize(&argc, argv);
     const int repeats = std::getenv("BENCH_REPEATS") != nullptr ? std::atoi(std::getenv("BENCH_REPEATS")) : 5;
-    const char * const w1 = "W1 median 3x3x3 A u16|brindle XMedianFilterVolumeTool";
-    BRINDLE_FILTER_BENCH((std::string(w1) + "|1").c_str(), repeats, [](benchmark::State & s) { Median(s, 3, A16(), kFast); });
-    BRINDLE_FILTER_BENCH((std::string(w1) + " baseline|1").c_str(), repeats,
-                         [](benchmark::State & s) { Median(s, 3, A16(), kBaseline); });
-    BRINDLE_FILTER_BENCH((std::string(w1) + " plain rule|1").c_str(), 3,
-                         [](benchmark::State & s) { Median(s, 3, A16(), kPlain); });
+    RegisterPaths("W1 median 3x3x3 A u16", "brindle XMedianFilterVolumeTool", repeats,
+                  [](benchmark::State & aState, XPath aPath) { Median(aState, 3, A16(), aPath); });
     for (UInt32 size : {5u, 7u})
-    {
-        const std::string extent = std::to_string(size) + "x" + std::to_string(size) + "x" + std::to_string(size);
-        BRINDLE_FILTER_BENCH(("W1 median " + extent + " A u16|brindle XMedianFilterVolumeTool|1").c_str(), repeats,
-                             [size](benchmark::State & s) { Median(s, size, A16(), kFast); });
-    }
+        Register("W1 median " + Extent(size) + " A u16", "brindle XMedianFilterVolumeTool", repeats,
+                 [size](benchmark::State & aState) { Median(aState, size, A16(), kFast); });
     for (UInt32 size : {3u, 5u, 7u})
-    {
-        const std::string extent = std::to_string(size) + "x" + std::to_string(size) + "x" + std::to_string(size);
-        BRINDLE_FILTER_BENCH(("W1 median " + extent + " A8 u8|brindle XMedianFilterVolumeTool|1").c_str(), repeats,
-                             [size](benchmark::State & s) { Median(s, size, A8(), kFast); });
-    }
-    BRINDLE_FILTER_BENCH("W1 hybrid median 3x3x3 A u16|brindle XHybridMedianFilterVolumeTool|1", repeats, HybridMedian);
-    const char * const w2 = "W2 mean 3x3x3 A f32|brindle XSpatialFilterVolumeTool";
-    BRINDLE_FILTER_BENCH((std::string(w2) + "|1").c_str(), repeats, [](benchmark::State & s) { Mean(s, kFast); });
-    BRINDLE_FILTER_BENCH((std::string(w2) + " baseline|1").c_str(), repeats, [](benchmark::State & s) { Mean(s, kBaseline); });
-    BRINDLE_FILTER_BENCH((std::string(w2) + " plain rule|1").c_str(), 3, [](benchmark::State & s) { Mean(s, kPlain); });
-    const char * const w3 = "W3 dilate 3x3x3 A u16|brindle XDilateFilterVolumeTool box";
-    BRINDLE_FILTER_BENCH((std::string(w3) + "|1").c_str(), repeats, [](benchmark::State & s) { Dilate(s, kFast); });
-    BRINDLE_FILTER_BENCH((std::string(w3) + " baseline|1").c_str(), repeats,
-                         [](benchmark::State & s) { Dilate(s, kBaseline); });
-    BRINDLE_FILTER_BENCH((std::string(w3) + " plain rule|1").c_str(), 3, [](benchmark::State & s) { Dilate(s, kPlain); });
+        Register("W1 median " + Extent(size) + " A8 u8", "brindle XMedianFilterVolumeTool", repeats,
+                 [size](benchmark::State & aState) { Median(aState, size, A8(), kFast); });
+    Register("W1 hybrid median 3x3x3 A u16", "brindle XHybridMedianFilterVolumeTool", repeats, HybridMedian);
+    RegisterPaths("W2 mean 3x3x3 A f32", "brindle XSpatialFilterVolumeTool", repeats, Mean);
+    RegisterPaths("W3 dilate 3x3x3 A u16", "brindle XDilateFilterVolumeTool box", repeats, Dilate);
     XBenchCsvReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();

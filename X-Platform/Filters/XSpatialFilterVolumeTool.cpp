@@ -64,7 +64,10 @@ public:
         itsStrips.resize(std::max<std::size_t>(itsStrips.size(), rows * StripLength()));
     }
 
-    void ScanVoxel(SInt32 aX, SInt32 aY, SInt32 aZ) { itsDest.Set(aX, aY, aZ, XFilterResult<C>(PlainSum(aX, aY, aZ), itsBias)); }
+    void ScanVoxel(SInt32 aX, SInt32 aY, SInt32 aZ)
+    {
+        itsDest.Set(aX, aY, aZ, XFilterResult<C>(PlainSum(aX, aY, aZ), itsBias));
+    }
 
     // The sums of a row by vectors of voxels, four or one at a time, kept in registers over the
     // whole kernel; the last vector ends at the row's end. A vector whose kernel reaches outside
@@ -89,16 +92,18 @@ public:
                     continue;
                 }
                 const SInt64 start = x + kLanes <= end ? x : std::max<SInt64>(aX, end - kLanes);
+                x = start + kLanes;
                 if (IsInside(start, kLanes))
                     PointAtRows(rows, start);
                 else if (itsFiniteWeights)
                     FillStrips(rows, start, kLanes);
                 else
+                {
                     for (SInt64 m = start; m < std::min(start + kLanes, end); ++m)
                         itsSums[m - aX] = PlainSum(SInt32(m), aY, aZ);
-                if (IsInside(start, kLanes) || itsFiniteWeights)
-                    SumVectors<Floats, 1>(rows, start - aX);
-                x = start + kLanes;
+                    continue;
+                }
+                SumVectors<Floats, 1>(rows, start - aX);
             }
             C * results = itsResults.data();
             const float * sums = itsSums.data();
