@@ -187,37 +187,27 @@ XHybridMedianFilterVolumeTool::XHybridMedianFilterVolumeTool(UInt32 aSize) : its
 
 XHybridMedianFilterVolumeTool::~XHybridMedianFilterVolumeTool() = default;
 
-template <typename TVolType, typename C, class Volume>
-void XHybridMedianFilterVolumeTool::Filter(const Volume & aSource, Volume & aDest,
-                                           std::initializer_list<UInt32> aChannelOffsets) const
-{
-    XHybridMedianWorker<C> worker(itsSize);
-    XNeighbourhoodScanner::ScanChannels<TVolType>(aSource, aDest, worker, aChannelOffsets);
-}
-
 void XHybridMedianFilterVolumeTool::ApplyToolGrey8(const XGrey8Volume & aSource, XGrey8Volume & aDest)
 {
-    Filter<UInt8, UInt8>(aSource, aDest, {0});
+    XNeighbourhoodScanner::ScanColourChannels<XHybridMedianWorker>(aSource, aDest, itsSize);
 }
 
 void XHybridMedianFilterVolumeTool::ApplyToolGrey16(const XGrey16Volume & aSource, XGrey16Volume & aDest)
 {
-    Filter<UInt16, UInt16>(aSource, aDest, {0});
+    XNeighbourhoodScanner::ScanColourChannels<XHybridMedianWorker>(aSource, aDest, itsSize);
 }
 
 void XHybridMedianFilterVolumeTool::ApplyToolARGB32(const XARGB32Volume & aSource, XARGB32Volume & aDest)
 {
-    // Red, green and blue; alpha is left as the destination holds it.
-    Filter<XARGB32Colour, UInt8>(aSource, aDest, {1, 2, 3});
+    XNeighbourhoodScanner::ScanColourChannels<XHybridMedianWorker>(aSource, aDest, itsSize);
 }
 
 void XHybridMedianFilterVolumeTool::ApplyToolRGB48(const XRGB48Volume & aSource, XRGB48Volume & aDest)
 {
-    // The 16-bit red, green and blue at bytes 0, 2 and 4.
-    Filter<XRGB48Colour, UInt16>(aSource, aDest, {0, 2, 4});
+    XNeighbourhoodScanner::ScanColourChannels<XHybridMedianWorker>(aSource, aDest, itsSize);
 }
 
 void XHybridMedianFilterVolumeTool::ApplyToolFP(const XFPVolume & aSource, XFPVolume & aDest)
 {
-    Filter<float, float>(aSource, aDest, {0});
+    XNeighbourhoodScanner::ScanColourChannels<XHybridMedianWorker>(aSource, aDest, itsSize);
 }

@@ -19,8 +19,6 @@
 // For size 3, voxels whose whole cube lies inside the source take sorting networks over vectors
 // of voxels; the others, and other sizes, quickselect over the gathered sets.
 
-#include <initializer_list>
-
 #include "X1To1VolumeTool.h"
 #include "XTypes.h"
 
@@ -44,9 +42,5 @@ protected:
     void ApplyToolFP(const XFPVolume & aSource, XFPVolume & aDest) override;
 
 private:
-    // Filters the channel of type C of volumes of voxel type TVolType at each of the offsets.
-    template <typename TVolType, typename C, class Volume>
-    void Filter(const Volume & aSource, Volume & aDest, std::initializer_list<UInt32> aChannelOffsets) const;
-
     UInt32 itsSize;
 };

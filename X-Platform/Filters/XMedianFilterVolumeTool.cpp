@@ -35,6 +35,7 @@ public:
     explicit XMedianWorker(UInt32 aSize)
         : itsSize(aSize), itsLow(-SInt64(aSize >> 1)), itsRows(itsLow, aSize, itsLow, aSize)
     {
+        XAssertText(aSize != 0, "size > 0");
     }
 
     void SetChannelOffset(UInt32 anOffset) { itsChannelOffset = anOffset; }
@@ -222,38 +223,27 @@ XMedianFilterVolumeTool::XMedianFilterVolumeTool(UInt32 aSize) : itsSize(aSize) 
 
 XMedianFilterVolumeTool::~XMedianFilterVolumeTool() = default;
 
-template <typename TVolType, typename C, class Volume>
-void XMedianFilterVolumeTool::Filter(const Volume & aSource, Volume & aDest,
-                                     std::initializer_list<UInt32> aChannelOffsets) const
-{
-    XAssertText(itsSize != 0, "size > 0");
-    XMedianWorker<C> worker(itsSize);
-    XNeighbourhoodScanner::ScanChannels<TVolType>(aSource, aDest, worker, aChannelOffsets);
-}
-
 void XMedianFilterVolumeTool::ApplyToolGrey8(const XGrey8Volume & aSource, XGrey8Volume & aDest)
 {
-    Filter<UInt8, UInt8>(aSource, aDest, {0});
+    XNeighbourhoodScanner::ScanColourChannels<XMedianWorker>(aSource, aDest, itsSize);
 }
 
 void XMedianFilterVolumeTool::ApplyToolGrey16(const XGrey16Volume & aSource, XGrey16Volume & aDest)
 {
-    Filter<UInt16, UInt16>(aSource, aDest, {0});
+    XNeighbourhoodScanner::ScanColourChannels<XMedianWorker>(aSource, aDest, itsSize);
 }
 
 void XMedianFilterVolumeTool::ApplyToolARGB32(const XARGB32Volume & aSource, XARGB32Volume & aDest)
 {
-    // Red, green and blue; alpha is left as the destination holds it.
-    Filter<XARGB32Colour, UInt8>(aSource, aDest, {1, 2, 3});
+    XNeighbourhoodScanner::ScanColourChannels<XMedianWorker>(aSource, aDest, itsSize);
 }
 
 void XMedianFilterVolumeTool::ApplyToolRGB48(const XRGB48Volume & aSource, XRGB48Volume & aDest)
 {
-    // The 16-bit red, green and blue at bytes 0, 2 and 4.
-    Filter<XRGB48Colour, UInt16>(aSource, aDest, {0, 2, 4});
+    XNeighbourhoodScanner::ScanColourChannels<XMedianWorker>(aSource, aDest, itsSize);
 }
 
 void XMedianFilterVolumeTool::ApplyToolFP(const XFPVolume & aSource, XFPVolume & aDest)
 {
-    Filter<float, float>(aSource, aDest, {0});
+    XNeighbourhoodScanner::ScanColourChannels<XMedianWorker>(aSource, aDest, itsSize);
 }

@@ -109,7 +109,8 @@ public:
                 }
                 blackUntil = std::max(blackUntil, first);
                 blackFrom = std::min(blackFrom, last);
-                const T * in = reinterpret_cast<const T *>(itsSource.RowStart(SInt32(y), SInt32(z))) + (first + point.x - left);
+                const T * row = reinterpret_cast<const T *>(itsSource.RowStart(SInt32(y), SInt32(z)));
+                const T * in = row + (first + point.x - left);
                 T * to = out + (first - aX);
                 for (SInt64 m = 0; m < last - first; ++m)
                     to[m] = Replaces(in[m], to[m]) ? in[m] : to[m];

@@ -20,12 +20,15 @@
 
 #include <initializer_list>
 #include <optional>
+#include <type_traits>
 
 #include "X3DRegion.h"
+#include "XARGB32Colour.h"
 #include "XAssert.h"
 #include "XBasePackedVolume.h"
 #include "XLock.h"
 #include "XProgress.h"
+#include "XRGB48Colour.h"
 #include "XThread.h"
 #include "XTimer.h"
 
@@ -47,6 +50,13 @@ public:
     template <typename TVolType, class Worker>
     static void ScanChannels(const XBasePackedVolume & aSource, XBasePackedVolume & aDest, Worker & aWorker,
                              std::initializer_list<UInt32> aChannelOffsets);
+
+    // The passes of the filters that take colour channel by channel, with a Worker<C> made from
+    // anArguments for the channel type C: grey and float volumes in one pass; ARGB32 at its red,
+    // green and blue bytes (offsets 1, 2, 3), alpha left as the destination holds it; RGB48 at
+    // its three 16-bit words (offsets 0, 2, 4).
+    template <template <typename> class Worker, class Volume, typename... Arguments>
+    static void ScanColourChannels(const Volume & aSource, Volume & aDest, const Arguments &... anArguments);
 
 private:
     static constexpr SInt64 kReportPeriodMs = 300;
@@ -116,5 +126,26 @@ void XNeighbourhoodScanner::ScanChannels(const XBasePackedVolume & aSource, XBas
         Scan<TVolType>(aSource, aDest, aWorker);
         if (passes)
             passes->Increment();
+    }
+}
+
+template <template <typename> class Worker, class Volume, typename... Arguments>
+void XNeighbourhoodScanner::ScanColourChannels(const Volume & aSource, Volume & aDest, const Arguments &... anArguments)
+{
+    using T = typename Volume::XVoxel;
+    if constexpr (std::is_same_v<T, XARGB32Colour>)
+    {
+        Worker<UInt8> worker(anArguments...);
+        ScanChannels<T>(aSource, aDest, worker, {1, 2, 3});
+    }
+    else if constexpr (std::is_same_v<T, XRGB48Colour>)
+    {
+        Worker<UInt16> worker(anArguments...);
+        ScanChannels<T>(aSource, aDest, worker, {0, 2, 4});
+    }
+    else
+    {
+        Worker<T> worker(anArguments...);
+        ScanChannels<T>(aSource, aDest, worker, {0});
     }
 }

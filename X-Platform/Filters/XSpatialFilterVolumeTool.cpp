@@ -1,7 +1,7 @@
 #include "XSpatialFilterVolumeTool.h"
 
 #include <algorithm>
-#include <limits>
+#include <cmath>
 #include <type_traits>
 #include <vector>
 
@@ -14,16 +14,11 @@
 #include "XNeighbourRows.h"
 #include "XNeighbourhoodScanner.h"
 #include "XSimdVector.h"
+#include "XTruncateToSInt32.h"
 #include "XWidestKernel.h"
 
 namespace
 {
-// trunc(aValue) as the processor converts: beyond 32 bits, and for NaN, 0x80000000.
-inline SInt32 XTruncate(float aValue)
-{
-    return aValue >= -2147483648.0f && aValue < 2147483648.0f ? SInt32(aValue) : std::numeric_limits<SInt32>::min();
-}
-
 // The result of a voxel in channel type C: trunc(sum + bias) in its low bits, or for floats
 // sum + bias.
 template <typename C>
@@ -32,18 +27,25 @@ inline C XFilterResult(float aSum, float aBias)
     if constexpr (std::is_same_v<C, float>)
         return aSum + aBias;
     else
-        return C(UInt32(XTruncate(aSum + aBias)));
+        return C(UInt32(XTruncateToSInt32(aSum + aBias)));
 }
 
 // One call's convolution of one channel of type C.
 template <typename C>
 class XSpatialFilterWorker
 {
+    // The voxels of a row go four vectors at a time where they can; the widest vectors hold 8
+    // floats.
+    static constexpr UInt32 kVectors = 4;
+    static constexpr UInt32 kMostLanes = 8;
+
 public:
     XSpatialFilterWorker(const float * aWeights, UInt32 aWidth, UInt32 aHeight, UInt32 aDepth, float aBias)
         : itsWidth(aWidth), itsHeight(aHeight), itsDepth(aDepth), itsWeights(aWeights), itsBias(aBias),
           itsRows(-SInt64(aHeight >> 1), aHeight, -SInt64(aDepth >> 1), aDepth)
     {
+        const UInt64 count = UInt64(aWidth) * aHeight * aDepth;
+        itsFiniteWeights = std::all_of(aWeights, aWeights + count, [](float w) { return std::isfinite(w); });
     }
 
     void SetChannelOffset(UInt32 anOffset) { itsChannelOffset = anOffset; }
@@ -52,14 +54,70 @@ public:
     {
         itsSource = XSourceChannel<C>(aSource, itsChannelOffset);
         itsDest = XDestChannel<C>(aDest, itsChannelOffset);
-        const UInt32 width = aSource.GetWidth();
-        itsSums.resize(std::max<std::size_t>(itsSums.size(), width));
-        itsResults.resize(std::max<std::size_t>(itsResults.size(), width));
+        // Room for a vector past the row's end.
+        const std::size_t room = aSource.GetWidth() + kMostLanes;
+        itsSums.resize(std::max(itsSums.size(), room));
+        itsResults.resize(std::max(itsResults.size(), room));
         itsRows.Prepare(itsSource);
+        const UInt64 rows = UInt64(std::min(itsHeight, aSource.GetHeight())) * std::min(itsDepth, aSource.GetDepth());
+        itsStarts.resize(std::max<std::size_t>(itsStarts.size(), rows));
+        itsStrips.resize(std::max<std::size_t>(itsStrips.size(), rows * StripLength()));
     }
 
-    // The plain rule: every kernel entry in storage order, with the bounds test.
     void ScanVoxel(SInt32 aX, SInt32 aY, SInt32 aZ)
+    {
+        itsDest.Set(aX, aY, aZ, XFilterResult<C>(PlainSum(aX, aY, aZ), itsBias));
+    }
+
+    // The sums of a row by vectors of voxels, four or one at a time, kept in registers over the
+    // whole kernel; the last vector ends at the row's end. A vector whose kernel reaches outside
+    // the source reads strips of the rows that hold +0 there: with finite weights, adding a
+    // product of +0 leaves a sum as skipping the entry does (a sum that starts at +0 never
+    // becomes -0). With weights that are not finite, such voxels go by the plain rule.
+    void ScanRow(SInt32 aX, UInt32 aCount, SInt32 aY, SInt32 aZ)
+    {
+        const std::vector<XRow> & rows = itsRows.Collect(aY, aZ);
+        const SInt64 end = SInt64(aX) + aCount;
+        XRunWidestVectorKernel([&](auto aBytes) {
+            using Floats = XSimdVector<float, aBytes>;
+            constexpr SInt64 kLanes = Floats::kLanes;
+            SInt64 x = aX;
+            while (x < end)
+            {
+                if (x + kVectors * kLanes <= end && IsInside(x, kVectors * kLanes))
+                {
+                    PointAtRows(rows, x);
+                    SumVectors<Floats, kVectors>(rows, x - aX);
+                    x += kVectors * kLanes;
+                    continue;
+                }
+                const SInt64 start = x + kLanes <= end ? x : std::max<SInt64>(aX, end - kLanes);
+                x = start + kLanes;
+                if (IsInside(start, kLanes))
+                    PointAtRows(rows, start);
+                else if (itsFiniteWeights)
+                    FillStrips(rows, start, kLanes);
+                else
+                {
+                    for (SInt64 m = start; m < std::min(start + kLanes, end); ++m)
+                        itsSums[m - aX] = PlainSum(SInt32(m), aY, aZ);
+                    continue;
+                }
+                SumVectors<Floats, 1>(rows, start - aX);
+            }
+            C * results = itsResults.data();
+            const float * sums = itsSums.data();
+            for (UInt32 m = 0; m < aCount; ++m)
+                results[m] = XFilterResult<C>(sums[m], itsBias);
+        });
+        itsDest.PutRow(aX, aCount, aY, aZ, itsResults.data());
+    }
+
+private:
+    using XRow = typename XNeighbourRows<C>::XRow;
+
+    // The plain rule: every kernel entry in storage order, with the bounds test.
+    float PlainSum(SInt32 aX, SInt32 aY, SInt32 aZ) const
     {
         const X3DRect & bounds = itsSource.GetBounds();
         const float * weight = itsWeights;
@@ -75,80 +133,59 @@ public:
                         y < bounds.GetBottom() && z >= bounds.GetFront() && z < bounds.GetBack())
                         sum += float(itsSource.Get(SInt32(x), SInt32(y), SInt32(z))) * *weight;
                 }
-        itsDest.Set(aX, aY, aZ, XFilterResult<C>(sum, itsBias));
+        return sum;
     }
 
-    // The whole row at once: the voxels whose kernel lies inside the source along x in blocks,
-    // their sums in registers, and the others (the ends, and what the blocks leave over) kernel
-    // entry by entry along the row. Either way each voxel's sum adds the same products in the
-    // same order as ScanVoxel.
-    void ScanRow(SInt32 aX, UInt32 aCount, SInt32 aY, SInt32 aZ)
+    // True when the kernel of the voxels aX .. aX + aCount - 1 lies inside the source along x.
+    bool IsInside(SInt64 aX, SInt64 aCount) const
     {
-        const SInt64 left = itsSource.GetBounds().GetLeft();
-        const SInt64 right = itsSource.GetBounds().GetRight();
-        const SInt64 end = SInt64(aX) + aCount;
-        const SInt64 first = std::clamp<SInt64>(left + (itsWidth >> 1), aX, end);
-        const SInt64 last = std::clamp<SInt64>(right - (itsWidth - 1 - (itsWidth >> 1)), first, end);
-        const std::vector<XRow> & rows = itsRows.Collect(aY, aZ);
-        const SInt64 blocked = SumBlocks(rows, aX, first, last);
-        float * sums = itsSums.data();
-        std::fill(sums, sums + (first - aX), 0.0f);
-        std::fill(sums + (blocked - aX), sums + aCount, 0.0f);
-        for (const XRow & row : rows)
+        const SInt64 low = itsWidth >> 1;
+        return aX - low >= itsSource.GetBounds().GetLeft() &&
+               aX + aCount + itsWidth - 1 - low <= itsSource.GetBounds().GetRight();
+    }
+
+    // The values that the kernel rows read for the voxels from aX on: the source's rows.
+    void PointAtRows(const std::vector<XRow> & aRows, SInt64 aX)
+    {
+        const SInt64 from = aX - (itsWidth >> 1) - itsSource.GetBounds().GetLeft();
+        for (std::size_t r = 0; r < aRows.size(); ++r)
+            itsStarts[r] = aRows[r].itsValues + from;
+    }
+
+    // The same for aCount voxels from aX on as strips, with 0 outside the source.
+    UInt64 StripLength() const { return kMostLanes + itsWidth; }
+    void FillStrips(const std::vector<XRow> & aRows, SInt64 aX, SInt64 aCount)
+    {
+        const SInt64 from = aX - (itsWidth >> 1);
+        const SInt64 length = aCount + itsWidth - 1;
+        const SInt64 first = std::clamp<SInt64>(itsSource.GetBounds().GetLeft() - from, 0, length);
+        const SInt64 last = std::clamp<SInt64>(itsSource.GetBounds().GetRight() - from, first, length);
+        for (std::size_t r = 0; r < aRows.size(); ++r)
         {
-            AddRow(row, aX, aX, first);
-            AddRow(row, aX, blocked, end);
+            C * strip = itsStrips.data() + r * StripLength();
+            std::fill(strip, strip + first, C(0));
+            std::copy(aRows[r].itsValues + (from + first - itsSource.GetBounds().GetLeft()),
+                      aRows[r].itsValues + (from + last - itsSource.GetBounds().GetLeft()), strip + first);
+            std::fill(strip + last, strip + length, C(0));
+            itsStarts[r] = strip;
         }
-        C * results = itsResults.data();
-        const float bias = itsBias;
-        XRunWidestKernel([&] {
-            for (UInt32 m = 0; m < aCount; ++m)
-                results[m] = XFilterResult<C>(sums[m], bias);
-        });
-        itsDest.PutRow(aX, aCount, aY, aZ, results);
     }
 
-private:
-    using XRow = typename XNeighbourRows<C>::XRow;
-
-    // The sums of the voxels aFirst .. anEnd - 1, whose kernel lies inside the source along x,
-    // by vectors: four at a time, then one at a time, and a last one that ends at anEnd (sums
-    // of some voxels made twice, the same each time). Returns where the vectors ended: anEnd
-    // unless the voxels are fewer than one vector holds.
-    SInt64 SumBlocks(const std::vector<XRow> & aRows, SInt32 aX, SInt64 aFirst, SInt64 anEnd)
-    {
-        SInt64 x = aFirst;
-        XRunWidestVectorKernel([&](auto aBytes) {
-            using Floats = XSimdVector<float, aBytes>;
-            constexpr SInt64 kLanes = Floats::kLanes;
-            for (; x + 4 * kLanes <= anEnd; x += 4 * kLanes)
-                SumVectors<Floats, 4>(aRows, aX, x);
-            for (; x + kLanes <= anEnd; x += kLanes)
-                SumVectors<Floats, 1>(aRows, aX, x);
-            if (x < anEnd && anEnd - aFirst >= kLanes)
-            {
-                SumVectors<Floats, 1>(aRows, aX, anEnd - kLanes);
-                x = anEnd;
-            }
-        });
-        return x;
-    }
-
-    // The sums of kVectors vectors of voxels from x on, kept in registers over the whole kernel.
-    template <class Floats, UInt32 kVectors>
-    void SumVectors(const std::vector<XRow> & aRows, SInt32 aX, SInt64 anX)
+    // The sums of kVectorCount vectors of voxels into itsSums from anOffset on: for each kernel
+    // row, the values from itsStarts, for each entry in order its products added to the sums.
+    template <class Floats, UInt32 kVectorCount>
+    void SumVectors(const std::vector<XRow> & aRows, SInt64 anOffset)
     {
         using Values = XSimdVector<C, Floats::kLanes * sizeof(C)>;
-        typename Floats::Type sum[kVectors] = {};
-        const SInt64 start = SInt64(itsSource.GetBounds().GetLeft()) + (itsWidth >> 1);
-        for (const XRow & row : aRows)
+        typename Floats::Type sum[kVectorCount] = {};
+        for (std::size_t r = 0; r < aRows.size(); ++r)
         {
-            const C * in = row.itsValues + (anX - start);
-            const float * weights = itsWeights + UInt64(row.itsIndex) * itsWidth;
+            const C * in = itsStarts[r];
+            const float * weights = itsWeights + UInt64(aRows[r].itsIndex) * itsWidth;
             for (UInt32 i = 0; i < itsWidth; ++i)
             {
                 const typename Floats::Type weight = typename Floats::Type{} + weights[i];
-                for (UInt32 b = 0; b < kVectors; ++b)
+                for (UInt32 b = 0; b < kVectorCount; ++b)
                 {
                     typename Values::Type values;
                     Values::Load(values, in + i + b * Floats::kLanes);
@@ -156,32 +193,8 @@ private:
                 }
             }
         }
-        for (UInt32 b = 0; b < kVectors; ++b)
-            Floats::Store(itsSums.data() + (anX - aX) + b * Floats::kLanes, sum[b]);
-    }
-
-    // Adds the products of one kernel row to the sums of the voxels aFirst .. anEnd - 1 of the
-    // row that begins at aX, entry by entry: for each its reach inside the source along x.
-    void AddRow(const XRow & aRow, SInt32 aX, SInt64 aFirst, SInt64 anEnd)
-    {
-        if (aFirst >= anEnd)
-            return;
-        const SInt64 left = itsSource.GetBounds().GetLeft();
-        const SInt64 right = itsSource.GetBounds().GetRight();
-        float * sums = itsSums.data() + (aFirst - aX);
-        XRunWidestKernel([&] {
-            for (UInt32 i = 0; i < itsWidth; ++i)
-            {
-                const SInt64 dx = SInt64(i) - (itsWidth >> 1);
-                const SInt64 first = std::max<SInt64>(aFirst, left - dx);
-                const SInt64 end = std::min<SInt64>(anEnd, right - dx);
-                const float weight = itsWeights[UInt64(aRow.itsIndex) * itsWidth + i];
-                const C * in = aRow.itsValues + (first + dx - left);
-                float * out = sums + (first - aFirst);
-                for (SInt64 m = 0; m < end - first; ++m)
-                    out[m] += float(in[m]) * weight;
-            }
-        });
+        for (UInt32 b = 0; b < kVectorCount; ++b)
+            Floats::Store(itsSums.data() + anOffset + b * Floats::kLanes, sum[b]);
     }
 
     UInt32 itsWidth;
@@ -189,12 +202,16 @@ private:
     UInt32 itsDepth;
     const float * itsWeights;
     float itsBias;
+    bool itsFiniteWeights;
     UInt32 itsChannelOffset = 0;
     XSourceChannel<C> itsSource;
     XDestChannel<C> itsDest;
     std::vector<float> itsSums;
     std::vector<C> itsResults;
     XNeighbourRows<C> itsRows;
+    // Where each row's values for the present block begin: in the source or in a strip.
+    std::vector<const C *> itsStarts;
+    std::vector<C> itsStrips;
 };
 } // namespace
 

@@ -151,8 +151,9 @@ XFilterCommands::XKernel XFilterCommands::MakeGaussian(double aSigma, bool aFlat
     const SInt32 radius = SInt32(std::ceil(3.0 * aSigma));
     const UInt32 size = UInt32(2 * radius + 1);
     const UInt32 depth = aFlat ? 1 : size;
-    if (UInt64(size) * size * depth > kMaxWeights)
-        throw XCommandError("a Gaussian of sigma " + Text(aSigma) + " needs " + std::to_string(UInt64(size) * size * depth) +
+    const UInt64 count = UInt64(size) * size * depth;
+    if (count > kMaxWeights)
+        throw XCommandError("a Gaussian of sigma " + Text(aSigma) + " needs " + std::to_string(count) +
                                 " weights; at most " + std::to_string(kMaxWeights) + " are allowed",
                             XCommandError::kUsage);
     std::vector<double> profile;

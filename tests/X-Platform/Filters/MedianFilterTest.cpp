@@ -20,13 +20,6 @@
 
 namespace
 {
-template <class V>
-std::vector<typename V::XVoxel> Filtered(X1To1VolumeTool & aTool, const V & aSource)
-{
-    const std::unique_ptr<XVolume> result(aTool.ApplyTool(aSource));
-    return XGetVoxels(dynamic_cast<const V &>(*result));
-}
-
 // 9 1 5 / 3 7 2 / 8 4 6 in one plane.
 template <class V>
 V Plane()
@@ -60,8 +53,7 @@ template <class V>
 class MedianByType : public ::testing::Test
 {
 };
-using GreyTypes = ::testing::Types<XGrey8Volume, XGrey16Volume, XFPVolume>;
-TYPED_TEST_SUITE(MedianByType, GreyTypes);
+TYPED_TEST_SUITE(MedianByType, XFilterGreyTypes);
 } // namespace
 
 // Corners take the lower middle of 4 values, edges of 6; the centre the median of 9.
@@ -69,17 +61,17 @@ TYPED_TEST(MedianByType, OnePlaneTakesOnlyTheVoxelsInside)
 {
     using T = typename TypeParam::XVoxel;
     XMedianFilterVolumeTool three(3);
-    EXPECT_EQ(Filtered(three, Plane<TypeParam>()), (std::vector<T>{3, 3, 2, 4, 5, 4, 4, 4, 4}));
+    EXPECT_EQ(XFiltered(three, Plane<TypeParam>()), (std::vector<T>{3, 3, 2, 4, 5, 4, 4, 4, 4}));
     // Size 2 reaches back one voxel: a voxel and its neighbours before it.
     XMedianFilterVolumeTool two(2);
-    EXPECT_EQ(Filtered(two, Plane<TypeParam>()), (std::vector<T>{9, 1, 1, 3, 3, 2, 3, 4, 4}));
+    EXPECT_EQ(XFiltered(two, Plane<TypeParam>()), (std::vector<T>{9, 1, 1, 3, 3, 2, 3, 4, 4}));
     // Size 4 from -2 to +1: the lower rows and columns see less.
     XMedianFilterVolumeTool four(4);
-    EXPECT_EQ(Filtered(four, Plane<TypeParam>()), (std::vector<T>{3, 3, 3, 4, 5, 5, 4, 5, 5}));
+    EXPECT_EQ(XFiltered(four, Plane<TypeParam>()), (std::vector<T>{3, 3, 3, 4, 5, 5, 4, 5, 5}));
     XMedianFilterVolumeTool five(5);
-    EXPECT_EQ(Filtered(five, Plane<TypeParam>()), std::vector<T>(9, T(5)));
+    EXPECT_EQ(XFiltered(five, Plane<TypeParam>()), std::vector<T>(9, T(5)));
     XMedianFilterVolumeTool one(1);
-    EXPECT_EQ(Filtered(one, Plane<TypeParam>()), XGetVoxels(Plane<TypeParam>()));
+    EXPECT_EQ(XFiltered(one, Plane<TypeParam>()), XGetVoxels(Plane<TypeParam>()));
 }
 
 TYPED_TEST(MedianByType, TheCubeIsThreeDimensional)
@@ -88,7 +80,7 @@ TYPED_TEST(MedianByType, TheCubeIsThreeDimensional)
     // Every voxel of 2 x 2 x 2 sees all eight: the lower middle is the fourth smallest.
     XMedianFilterVolumeTool three(3);
     const auto small = XMakeVolume<TypeParam>(X3DRect(2, 2, 2), {8, 3, 6, 1, 7, 2, 5, 4});
-    EXPECT_EQ(Filtered(three, small), std::vector<T>(8, T(4)));
+    EXPECT_EQ(XFiltered(three, small), std::vector<T>(8, T(4)));
     // The centre of the cube: 1 .. 4, 6 .. 19, eight 20s and 100; the 14th smallest is 15.
     const std::unique_ptr<XVolume> result(three.ApplyTool(Cube<TypeParam>()));
     XLock lock(*result, kLockRead);
@@ -102,7 +94,7 @@ TYPED_TEST(MedianByType, TheHybridTakesTheMedianOfItsSevenSets)
 {
     using T = typename TypeParam::XVoxel;
     XHybridMedianFilterVolumeTool hybrid(3);
-    const std::vector<T> plane = Filtered(hybrid, Plane<TypeParam>());
+    const std::vector<T> plane = XFiltered(hybrid, Plane<TypeParam>());
     EXPECT_EQ(plane[4], T(4));
     EXPECT_EQ(plane[0], T(9));
     EXPECT_EQ(plane[1], T(1));
@@ -118,8 +110,8 @@ TEST(MedianFilter, AConstantVolumeStaysAndSizesAreKeptOrRaised)
     {
         XMedianFilterVolumeTool median(size);
         XHybridMedianFilterVolumeTool hybrid(size);
-        EXPECT_EQ(Filtered(median, flat), XGetVoxels(flat)) << size;
-        EXPECT_EQ(Filtered(hybrid, flat), XGetVoxels(flat)) << size;
+        EXPECT_EQ(XFiltered(median, flat), XGetVoxels(flat)) << size;
+        EXPECT_EQ(XFiltered(hybrid, flat), XGetVoxels(flat)) << size;
     }
     EXPECT_EQ(XMedianFilterVolumeTool(4).GetSize(), 4u);
     EXPECT_EQ(XHybridMedianFilterVolumeTool(4).GetSize(), 5u);
@@ -137,9 +129,9 @@ TEST(MedianFilter, ColourGoesChannelByChannelAndAlphaKeepsTheDestination)
         X3DRect(3, 1, 1), {XARGB32Colour(10, 1, 200, 7), XARGB32Colour(20, 9, 100, 3), XARGB32Colour(30, 5, 150, 5)});
     XMedianFilterVolumeTool median(3);
     XHybridMedianFilterVolumeTool hybrid(3);
-    EXPECT_EQ(Filtered(median, colour), (std::vector<XARGB32Colour>{XARGB32Colour(0, 1, 100, 3), XARGB32Colour(0, 5, 150, 5),
+    EXPECT_EQ(XFiltered(median, colour), (std::vector<XARGB32Colour>{XARGB32Colour(0, 1, 100, 3), XARGB32Colour(0, 5, 150, 5),
                                                                      XARGB32Colour(0, 5, 100, 3)}));
-    EXPECT_EQ(Filtered(hybrid, colour), (std::vector<XARGB32Colour>{XARGB32Colour(0, 1, 200, 7), XARGB32Colour(0, 9, 100, 3),
+    EXPECT_EQ(XFiltered(hybrid, colour), (std::vector<XARGB32Colour>{XARGB32Colour(0, 1, 200, 7), XARGB32Colour(0, 9, 100, 3),
                                                                      XARGB32Colour(0, 5, 150, 5)}));
     auto inPlace = colour;
     median.ApplyToolInPlace(inPlace);
@@ -149,13 +141,13 @@ TEST(MedianFilter, ColourGoesChannelByChannelAndAlphaKeepsTheDestination)
 
     const auto deep = XMakeVolume<XRGB48Volume>(
         X3DRect(3, 1, 1), {XRGB48Colour(1000, 60000, 7), XRGB48Colour(9000, 100, 3), XRGB48Colour(5000, 150, 5)});
-    EXPECT_EQ(Filtered(median, deep), (std::vector<XRGB48Colour>{XRGB48Colour(1000, 100, 3), XRGB48Colour(5000, 150, 5),
+    EXPECT_EQ(XFiltered(median, deep), (std::vector<XRGB48Colour>{XRGB48Colour(1000, 100, 3), XRGB48Colour(5000, 150, 5),
                                                                   XRGB48Colour(5000, 100, 3)}));
-    EXPECT_EQ(Filtered(hybrid, deep), XGetVoxels(deep));
+    EXPECT_EQ(XFiltered(hybrid, deep), XGetVoxels(deep));
 
     // A mask is filtered as 8-bit grey; BGRA32 is refused.
     const auto mask = XMakeVolume<XMaskVolume>(X3DRect(3, 1, 1), {255, 0, 255});
-    EXPECT_EQ(Filtered(median, mask), (std::vector<UInt8>{0, 255, 0}));
+    EXPECT_EQ(XFiltered(median, mask), (std::vector<UInt8>{0, 255, 0}));
     EXPECT_EQ(ErrorOf([&] { delete median.ApplyTool(XBGRA32Volume(X3DRect(2, 1, 1))); }), 2500u);
     EXPECT_EQ(ErrorOf([&] { delete hybrid.ApplyTool(XBGRA32Volume(X3DRect(2, 1, 1))); }), 2500u);
 }
@@ -176,24 +168,23 @@ TEST(MedianFilter, TheFastPathsGiveThePlainRuleOnRandomVolumes)
         const auto real = XRandomVolume<XFPVolume>(box, ++seed);
         const auto colour = XRandomVolume<XARGB32Volume>(box, ++seed, 20);
         const auto deep = XRandomVolume<XRGB48Volume>(box, ++seed);
+        const auto expectEveryPathAgrees = [&](X1To1VolumeTool & aTool, UInt32 aSize) {
+            EXPECT_TRUE(XEveryPathAgrees(aTool, grey8)) << aSize;
+            EXPECT_TRUE(XEveryPathAgrees(aTool, grey16)) << aSize;
+            EXPECT_TRUE(XEveryPathAgrees(aTool, wide16)) << aSize;
+            EXPECT_TRUE(XEveryPathAgrees(aTool, real)) << aSize;
+            EXPECT_TRUE(XEveryPathAgrees(aTool, colour)) << aSize;
+            EXPECT_TRUE(XEveryPathAgrees(aTool, deep)) << aSize;
+        };
         for (UInt32 size : {1u, 2u, 3u, 4u, 5u})
         {
             XMedianFilterVolumeTool median(size);
-            EXPECT_TRUE(XEveryPathAgrees(median, grey8)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(median, grey16)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(median, wide16)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(median, real)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(median, colour)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(median, deep)) << size;
+            expectEveryPathAgrees(median, size);
         }
         for (UInt32 size : {3u, 5u})
         {
             XHybridMedianFilterVolumeTool hybrid(size);
-            EXPECT_TRUE(XEveryPathAgrees(hybrid, grey8)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(hybrid, grey16)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(hybrid, real)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(hybrid, colour)) << size;
-            EXPECT_TRUE(XEveryPathAgrees(hybrid, deep)) << size;
+            expectEveryPathAgrees(hybrid, size);
         }
     }
 }

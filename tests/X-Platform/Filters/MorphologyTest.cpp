@@ -23,13 +23,6 @@
 
 namespace
 {
-template <class V>
-std::vector<typename V::XVoxel> Filtered(X1To1VolumeTool & aTool, const V & aSource)
-{
-    const std::unique_ptr<XVolume> result(aTool.ApplyTool(aSource));
-    return XGetVoxels(dynamic_cast<const V &>(*result));
-}
-
 // The voxels of 5 x 5 x 5 that lie within aDistance of the centre by |dx| + |dy| + |dz|.
 template <typename T>
 std::vector<T> Diamond(int aDistance, T aValue)
@@ -48,8 +41,7 @@ template <class V>
 class MorphologyByType : public ::testing::Test
 {
 };
-using GreyTypes = ::testing::Types<XGrey8Volume, XGrey16Volume, XFPVolume>;
-TYPED_TEST_SUITE(MorphologyByType, GreyTypes);
+TYPED_TEST_SUITE(MorphologyByType, XFilterGreyTypes);
 } // namespace
 
 TYPED_TEST(MorphologyByType, TheFaceNeighboursGrowACrossAndThenADiamond)
@@ -58,13 +50,13 @@ TYPED_TEST(MorphologyByType, TheFaceNeighboursGrowACrossAndThenADiamond)
     const auto dot = XMakeVolume<TypeParam>(X3DRect(5, 5, 5), Diamond<T>(0, T(200)));
     XDilateFilterVolumeTool once(1, {});
     EXPECT_EQ(once.GetStructuringElement(), XDilateFilterVolumeTool::GetFaceNeighbours());
-    EXPECT_EQ(Filtered(once, dot), Diamond<T>(1, T(200)));
+    EXPECT_EQ(XFiltered(once, dot), Diamond<T>(1, T(200)));
     XDilateFilterVolumeTool twice(2, {});
-    EXPECT_EQ(Filtered(twice, dot), Diamond<T>(2, T(200)));
+    EXPECT_EQ(XFiltered(twice, dot), Diamond<T>(2, T(200)));
     // Erosion takes the diamond back to the dot, the cross first.
     const auto diamond = XMakeVolume<TypeParam>(X3DRect(5, 5, 5), Diamond<T>(2, T(200)));
     XErodeFilterVolumeTool erode(1, {}, false);
-    EXPECT_EQ(Filtered(erode, diamond), Diamond<T>(1, T(200)));
+    EXPECT_EQ(XFiltered(erode, diamond), Diamond<T>(1, T(200)));
 }
 
 TYPED_TEST(MorphologyByType, TheEdgeRuleEatsFromTheFaces)
@@ -72,10 +64,10 @@ TYPED_TEST(MorphologyByType, TheEdgeRuleEatsFromTheFaces)
     using T = typename TypeParam::XVoxel;
     const auto flat = XMakeVolume<TypeParam>(X3DRect(4, 4, 4), std::vector<T>(64, T(50)));
     XErodeFilterVolumeTool keep(1, {}, false);
-    EXPECT_EQ(Filtered(keep, flat), XGetVoxels(flat));
+    EXPECT_EQ(XFiltered(keep, flat), XGetVoxels(flat));
     // The outer shell goes black; the inner 2 x 2 x 2 stays.
     XErodeFilterVolumeTool eat(1, {}, true);
-    const std::vector<T> eaten = Filtered(eat, flat);
+    const std::vector<T> eaten = XFiltered(eat, flat);
     for (int i = 0; i < 64; ++i)
     {
         const int x = i % 4, y = i / 4 % 4, z = i / 16;
@@ -84,10 +76,10 @@ TYPED_TEST(MorphologyByType, TheEdgeRuleEatsFromTheFaces)
     }
     // On a single plane the points in z lie outside: everything goes black.
     const auto plane = XMakeVolume<TypeParam>(X3DRect(3, 3, 1), std::vector<T>(9, T(50)));
-    EXPECT_EQ(Filtered(eat, plane), std::vector<T>(9, T(0)));
+    EXPECT_EQ(XFiltered(eat, plane), std::vector<T>(9, T(0)));
     // Looking down only: the last row goes black.
     XErodeFilterVolumeTool down(1, XVector<X3DPoint>{X3DPoint(0, 1, 0)}, true);
-    EXPECT_EQ(Filtered(down, plane), (std::vector<T>{50, 50, 50, 50, 50, 50, 0, 0, 0}));
+    EXPECT_EQ(XFiltered(down, plane), (std::vector<T>{50, 50, 50, 50, 50, 50, 0, 0, 0}));
 }
 
 // The element (1, 0, 0) alone: the voxel itself still takes part.
@@ -96,14 +88,14 @@ TYPED_TEST(MorphologyByType, TheVoxelItselfAlwaysTakesPart)
     using T = typename TypeParam::XVoxel;
     const auto row = XMakeVolume<TypeParam>(X3DRect(3, 1, 1), {5, 9, 2});
     XDilateFilterVolumeTool dilate(1, kRight);
-    EXPECT_EQ(Filtered(dilate, row), (std::vector<T>{9, 9, 2}));
+    EXPECT_EQ(XFiltered(dilate, row), (std::vector<T>{9, 9, 2}));
     XErodeFilterVolumeTool erode(1, kRight, false);
-    EXPECT_EQ(Filtered(erode, row), (std::vector<T>{5, 2, 2}));
+    EXPECT_EQ(XFiltered(erode, row), (std::vector<T>{5, 2, 2}));
     XErodeFilterVolumeTool edge(1, kRight, true);
-    EXPECT_EQ(Filtered(edge, row), (std::vector<T>{5, 2, 0}));
+    EXPECT_EQ(XFiltered(edge, row), (std::vector<T>{5, 2, 0}));
     // Zero iterations leave the new destination as it was; in place, the volume as it was.
     XDilateFilterVolumeTool none(0, kRight);
-    EXPECT_EQ(Filtered(none, row), std::vector<T>(3, T(0)));
+    EXPECT_EQ(XFiltered(none, row), std::vector<T>(3, T(0)));
     auto same = row;
     none.ApplyToolInPlace(same);
     EXPECT_EQ(XGetVoxels(same), (std::vector<T>{5, 9, 2}));
@@ -120,18 +112,18 @@ TEST(Morphology, ColourVoxelsGoByTheirLevelAndTiesKeepTheEarlier)
     const XARGB32Colour left(7, 0, 20, 0), middle(255, 10, 0, 0), right(9, 0, 0, 20);
     const auto row = XMakeVolume<XARGB32Volume>(X3DRect(3, 1, 1), {left, middle, right});
     XDilateFilterVolumeTool faces(1, {});
-    EXPECT_EQ(Filtered(faces, row)[1], left);
+    EXPECT_EQ(XFiltered(faces, row)[1], left);
     XDilateFilterVolumeTool rightFirst(1, XVector<X3DPoint>{X3DPoint(1, 0, 0), X3DPoint(-1, 0, 0)});
-    EXPECT_EQ(Filtered(rightFirst, row)[1], right);
+    EXPECT_EQ(XFiltered(rightFirst, row)[1], right);
     // Erosion: the left voxel (20) meets the middle (10); the right one too.
     XErodeFilterVolumeTool erode(1, {}, false);
-    EXPECT_EQ(Filtered(erode, row), (std::vector<XARGB32Colour>{middle, middle, middle}));
+    EXPECT_EQ(XFiltered(erode, row), (std::vector<XARGB32Colour>{middle, middle, middle}));
     XErodeFilterVolumeTool edge(1, {}, true);
-    EXPECT_EQ(Filtered(edge, row), std::vector<XARGB32Colour>(3, XARGB32Colour::kBlack));
+    EXPECT_EQ(XFiltered(edge, row), std::vector<XARGB32Colour>(3, XARGB32Colour::kBlack));
     EXPECT_EQ(ErrorOf([&] { delete faces.ApplyTool(XRGB48Volume(X3DRect(2, 1, 1))); }), 2500u);
     EXPECT_EQ(ErrorOf([&] { delete edge.ApplyTool(XBGRA32Volume(X3DRect(2, 1, 1))); }), 2500u);
     const auto mask = XMakeVolume<XMaskVolume>(X3DRect(3, 1, 1), {0, 255, 0});
-    EXPECT_EQ(Filtered(faces, mask), std::vector<UInt8>(3, 255));
+    EXPECT_EQ(XFiltered(faces, mask), std::vector<UInt8>(3, 255));
 }
 
 // A NaN neither replaces nor is replaced; of zeros the earlier stays, sign and all.
@@ -140,13 +132,13 @@ TEST(Morphology, FloatsCompareAsFloats)
     const float nan = std::nanf("");
     const auto row = XMakeVolume<XFPVolume>(X3DRect(4, 1, 1), {nan, 1.0f, -0.0f, 0.0f});
     XDilateFilterVolumeTool dilate(1, kRight);
-    const std::vector<float> grown = Filtered(dilate, row);
+    const std::vector<float> grown = XFiltered(dilate, row);
     EXPECT_TRUE(std::isnan(grown[0]));
     EXPECT_EQ(grown[1], 1.0f);
     EXPECT_TRUE(std::signbit(grown[2]));
     EXPECT_FALSE(std::signbit(grown[3]));
     XErodeFilterVolumeTool erode(1, kRight, false);
-    const std::vector<float> eroded = Filtered(erode, row);
+    const std::vector<float> eroded = XFiltered(erode, row);
     EXPECT_TRUE(std::isnan(eroded[0]));
     EXPECT_EQ(std::bit_cast<UInt32>(eroded[1]), std::bit_cast<UInt32>(-0.0f));
     EXPECT_EQ(std::bit_cast<UInt32>(eroded[2]), std::bit_cast<UInt32>(-0.0f));

@@ -13,9 +13,15 @@
 #include <vector>
 
 #include "X1To1VolumeTool.h"
+#include "XFPVolume.h"
+#include "XGrey16Volume.h"
+#include "XGrey8Volume.h"
 #include "XIntelCPUInfo.h"
 #include "XNeighbourhoodScanner.h"
 #include "XVolumeTestSupport.h"
+
+// The one-channel volume classes of the filters, for typed tests.
+using XFilterGreyTypes = ::testing::Types<XGrey8Volume, XGrey16Volume, XFPVolume>;
 
 // A volume of class V over aBounds with random voxels: whole channels for integer and colour
 // types, for floats values in -1000..1000 with a few repeats so that ties occur.
@@ -41,6 +47,14 @@ V XRandomVolume(const X3DRect & aBounds, UInt32 aSeed, UInt32 aLevels = 0)
             voxel = T(level(std::numeric_limits<T>::max()));
     }
     return XMakeVolume<V>(aBounds, voxels);
+}
+
+// The voxels of aTool's result on aSource.
+template <class V>
+std::vector<typename V::XVoxel> XFiltered(X1To1VolumeTool & aTool, const V & aSource)
+{
+    const std::unique_ptr<XVolume> result(aTool.ApplyTool(aSource));
+    return XGetVoxels(dynamic_cast<const V &>(*result));
 }
 
 // The voxels of a volume as bytes, for comparisons bit for bit (floats too).
