@@ -12,7 +12,7 @@ class XStreamBytes
 {
 public:
     explicit XStreamBytes(XByteOrder anOrder = kLittleEndian) : itsStream(anOrder) {}
-    XStreamBytes & Words(std::initializer_list<UInt32> aWords)
+    XStreamBytes & Words(const std::vector<UInt32> & aWords)
     {
         for (UInt32 word : aWords)
             itsStream.Write32(word);
@@ -34,9 +34,12 @@ public:
         itsStream.WriteBuffer8(aBytes.data(), aBytes.size());
         return *this;
     }
-    // A memory-handle object (class word 33) holding aData uncompressed.
-    XStreamBytes & Handle(const std::vector<UInt8> & aData)
+    // A memory-handle object (class word 33) holding aData uncompressed, with the 16 zero bytes
+    // that follow a volume's voxels when aTail.
+    XStreamBytes & Handle(std::vector<UInt8> aData, bool aTail = false)
     {
+        if (aTail)
+            aData.resize(aData.size() + 16, 0);
         Words({33, 33});
         itsStream.Write64S(SInt64(aData.size()));
         Words({0});

@@ -19,59 +19,13 @@
 #include "XMaskVolume.h"
 #include "XRGB48Volume.h"
 #include "XRect.h"
+#include "XStreamBytes.h"
 #include "XTestMemoryStream.h"
 #include "XTestSupport.h"
 #include "XVolumeTestSupport.h"
 
 namespace
 {
-// Builds stream bytes in one byte order.
-class XBytes
-{
-public:
-    explicit XBytes(XByteOrder anOrder = kLittleEndian) : itsStream(anOrder) {}
-    XBytes & Words(const std::vector<UInt32> & aWords)
-    {
-        for (UInt32 word : aWords)
-            itsStream.Write32(word);
-        return *this;
-    }
-    XBytes & Doubles(std::initializer_list<double> aValues)
-    {
-        for (double value : aValues)
-            itsStream.WriteFloat64S(value);
-        return *this;
-    }
-    XBytes & Byte(UInt8 aValue)
-    {
-        itsStream.Write8(aValue);
-        return *this;
-    }
-    // A memory-handle object holding aData and 16 zero bytes more when aTail.
-    XBytes & Handle(std::vector<UInt8> aData, bool aTail = true)
-    {
-        if (aTail)
-            aData.resize(aData.size() + 16, 0);
-        Words({33, 33});
-        itsStream.Write64S(SInt64(aData.size()));
-        Words({0});
-        itsStream.Write64S(SInt64(aData.size()));
-        itsStream.WriteBuffer8(aData.data(), aData.size());
-        return *this;
-    }
-    std::vector<UInt8> Get() { return itsStream.GetBytes(); }
-
-private:
-    XTestMemoryStream itsStream;
-};
-
-std::vector<UInt8> BytesOf(const XStorable & anObject, XByteOrder anOrder = kLittleEndian)
-{
-    XTestMemoryStream stream(anOrder);
-    stream.WriteObject(anObject);
-    return stream.GetBytes();
-}
-
 template <class T>
 std::unique_ptr<T> ReadBack(std::vector<UInt8> aBytes, XByteOrder anOrder = kLittleEndian)
 {
@@ -81,7 +35,7 @@ std::unique_ptr<T> ReadBack(std::vector<UInt8> aBytes, XByteOrder anOrder = kLit
 
 // The XVolume section of a 2 by 1 by 1 volume at (1, 2, 3) with calibrations 1, 2, 0.5, and
 // the packed level up to its handle.
-XBytes & Head(XBytes & aBytes, UInt32 anObjectWord)
+XStreamBytes & Head(XStreamBytes & aBytes, UInt32 anObjectWord)
 {
     return aBytes.Words({anObjectWord, 520, 2, 1, 1, 1, 2, 3}).Doubles({1.0, 2.0, 0.5}).Words({114, 65638, 2, 0});
 }
@@ -106,7 +60,7 @@ const XRect kFollower(10, 20, 13, 21);
 const std::vector<UInt32> kFollowerWords = {34, 34, 10, 20, 21, 13};
 
 template <class V>
-std::unique_ptr<V> ReadWithFollower(XBytes & aBytes, XByteOrder anOrder)
+std::unique_ptr<V> ReadWithFollower(XStreamBytes & aBytes, XByteOrder anOrder)
 {
     aBytes.Words(kFollowerWords);
     XTestMemoryStream stream(aBytes.Get(), anOrder);
@@ -136,7 +90,7 @@ std::vector<UInt8> FloatBytes(float aValue)
 // The JPEG-compressed form after its class word: 7 by 2 by aDepth at (1, 2, 3), calibrations 1,
 // 2 and 0.5, row voxels 7, and unless the volume is empty a body of 5 bytes with its length;
 // then the rectangle object.
-XBytes & LossyBody(XBytes & aBytes, UInt32 aDepth)
+XStreamBytes & LossyBody(XStreamBytes & aBytes, UInt32 aDepth)
 {
     aBytes.Words({7, 2, aDepth, 1, 2, 3}).Doubles({1.0, 2.0, 0.5}).Words({7});
     if (aDepth != 0)
@@ -179,50 +133,50 @@ protected:
 
 TEST(VolumeStream, EachClassWritesItsChainOfSections)
 {
-    XBytes grey8;
-    Head(grey8, 65641).Handle({7, 8}).Words({103, 65640, 65641});
-    EXPECT_EQ(BytesOf(Sample<XGrey8Volume>({7, 8})), grey8.Get());
+    XStreamBytes grey8;
+    Head(grey8, 65641).Handle({7, 8}, true).Words({103, 65640, 65641});
+    EXPECT_EQ(XStoredBytes(Sample<XGrey8Volume>({7, 8})), grey8.Get());
 
-    XBytes mask;
-    Head(mask, 115).Handle({0, 255}).Words({103, 65640, 65641, 115});
-    EXPECT_EQ(BytesOf(Sample<XMaskVolume>({0, 255})), mask.Get());
+    XStreamBytes mask;
+    Head(mask, 115).Handle({0, 255}, true).Words({103, 65640, 65641, 115});
+    EXPECT_EQ(XStoredBytes(Sample<XMaskVolume>({0, 255})), mask.Get());
 
-    XBytes grey16;
-    Head(grey16, 106).Handle({1, 2, 3, 4}).Words({103, 65640, 106});
-    EXPECT_EQ(BytesOf(Sample<XGrey16Volume>({0x0201, 0x0403})), grey16.Get());
+    XStreamBytes grey16;
+    Head(grey16, 106).Handle({1, 2, 3, 4}, true).Words({103, 65640, 106});
+    EXPECT_EQ(XStoredBytes(Sample<XGrey16Volume>({0x0201, 0x0403})), grey16.Get());
 
-    XBytes grey32;
-    Head(grey32, 111).Handle({1, 0, 0, 0, 2, 0, 0, 0}).Words({103, 65640});
-    EXPECT_EQ(BytesOf(Sample<XGrey32Volume>({1, 2})), grey32.Get());
+    XStreamBytes grey32;
+    Head(grey32, 111).Handle({1, 0, 0, 0, 2, 0, 0, 0}, true).Words({103, 65640});
+    EXPECT_EQ(XStoredBytes(Sample<XGrey32Volume>({1, 2})), grey32.Get());
 
-    XBytes real;
-    Head(real, 65643).Handle({0, 0, 0x80, 0x3F, 0, 0, 0, 0xC0}).Words({103, 65643});
-    EXPECT_EQ(BytesOf(Sample<XFPVolume>({1.0f, -2.0f})), real.Get());
+    XStreamBytes real;
+    Head(real, 65643).Handle({0, 0, 0x80, 0x3F, 0, 0, 0, 0xC0}, true).Words({103, 65643});
+    EXPECT_EQ(XStoredBytes(Sample<XFPVolume>({1.0f, -2.0f})), real.Get());
 
-    XBytes argb;
-    Head(argb, 65644).Handle({1, 2, 3, 4, 5, 6, 7, 8}).Words({65644});
-    EXPECT_EQ(BytesOf(Sample<XARGB32Volume>({XARGB32Colour(1, 2, 3, 4), XARGB32Colour(5, 6, 7, 8)})), argb.Get());
+    XStreamBytes argb;
+    Head(argb, 65644).Handle({1, 2, 3, 4, 5, 6, 7, 8}, true).Words({65644});
+    EXPECT_EQ(XStoredBytes(Sample<XARGB32Volume>({XARGB32Colour(1, 2, 3, 4), XARGB32Colour(5, 6, 7, 8)})), argb.Get());
 
-    XBytes bgra;
-    Head(bgra, 113).Handle({4, 3, 2, 1, 8, 7, 6, 5});
-    EXPECT_EQ(BytesOf(Sample<XBGRA32Volume>({XBGRA32Colour(1, 2, 3, 4), XBGRA32Colour(5, 6, 7, 8)})), bgra.Get());
+    XStreamBytes bgra;
+    Head(bgra, 113).Handle({4, 3, 2, 1, 8, 7, 6, 5}, true);
+    EXPECT_EQ(XStoredBytes(Sample<XBGRA32Volume>({XBGRA32Colour(1, 2, 3, 4), XBGRA32Colour(5, 6, 7, 8)})), bgra.Get());
 
-    XBytes rgb48;
-    Head(rgb48, 112).Handle({1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0}).Words({112});
-    EXPECT_EQ(BytesOf(Sample<XRGB48Volume>({XRGB48Colour(1, 2, 3), XRGB48Colour(4, 5, 6)})), rgb48.Get());
+    XStreamBytes rgb48;
+    Head(rgb48, 112).Handle({1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0}, true).Words({112});
+    EXPECT_EQ(XStoredBytes(Sample<XRGB48Volume>({XRGB48Colour(1, 2, 3), XRGB48Colour(4, 5, 6)})), rgb48.Get());
 }
 
 TEST(VolumeStream, MultiByteVoxelsAreStoredInTheStreamsOrder)
 {
-    XBytes grey16(kBigEndian);
-    Head(grey16, 106).Handle({1, 2, 3, 4}).Words({103, 65640, 106});
+    XStreamBytes grey16(kBigEndian);
+    Head(grey16, 106).Handle({1, 2, 3, 4}, true).Words({103, 65640, 106});
     const auto volume = Sample<XGrey16Volume>({0x0102, 0x0304});
-    EXPECT_EQ(BytesOf(volume, kBigEndian), grey16.Get());
+    EXPECT_EQ(XStoredBytes(volume, kBigEndian), grey16.Get());
     EXPECT_TRUE(*ReadBack<XGrey16Volume>(grey16.Get(), kBigEndian) == volume);
     // Byte voxels, colour bytes included, are never turned.
-    XBytes argb(kBigEndian);
-    Head(argb, 65644).Handle({1, 2, 3, 4, 5, 6, 7, 8}).Words({65644});
-    EXPECT_EQ(BytesOf(Sample<XARGB32Volume>({XARGB32Colour(1, 2, 3, 4), XARGB32Colour(5, 6, 7, 8)}), kBigEndian),
+    XStreamBytes argb(kBigEndian);
+    Head(argb, 65644).Handle({1, 2, 3, 4, 5, 6, 7, 8}, true).Words({65644});
+    EXPECT_EQ(XStoredBytes(Sample<XARGB32Volume>({XARGB32Colour(1, 2, 3, 4), XARGB32Colour(5, 6, 7, 8)}), kBigEndian),
               argb.Get());
 }
 
@@ -231,7 +185,7 @@ TEST(VolumeStream, EveryClassRoundTripsInBothOrders)
     for (XByteOrder order : {kLittleEndian, kBigEndian})
     {
         auto check = [order](const XVolume & aVolume) {
-            std::unique_ptr<XVolume> back(ReadBack<XVolume>(BytesOf(aVolume, order), order));
+            std::unique_ptr<XVolume> back(ReadBack<XVolume>(XStoredBytes(aVolume, order), order));
             ASSERT_TRUE(back);
             EXPECT_EQ(typeid(*back), typeid(aVolume));
             EXPECT_TRUE(*back == aVolume);
@@ -263,8 +217,8 @@ TEST(VolumeStream, EveryClassRoundTripsInBothOrders)
 
 TEST(VolumeStream, OldVolumeWordCarriesNoPosition)
 {
-    XBytes bytes;
-    bytes.Words({65641, 101, 2, 1, 1}).Doubles({1.0, 1.0, 1.0}).Words({114, 65638, 2, 0}).Handle({5, 6});
+    XStreamBytes bytes;
+    bytes.Words({65641, 101, 2, 1, 1}).Doubles({1.0, 1.0, 1.0}).Words({114, 65638, 2, 0}).Handle({5, 6}, true);
     bytes.Words({103, 65640, 65641});
     const auto volume = ReadBack<XGrey8Volume>(bytes.Get());
     EXPECT_EQ(volume->GetBounds(), X3DRect(2, 1, 1));
@@ -275,24 +229,24 @@ TEST(VolumeStream, LegacyImagesWithTheirRectangle)
 {
     // A legacy 8-bit image: bare rectangle (left, top, bottom, right), a flag, the voxels, and an
     // empty table object.
-    XBytes bare;
-    bare.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words({0});
+    XStreamBytes bare;
+    bare.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}).Words({0});
     const auto grey = ReadBack<XGrey8Volume>(bare.Get());
     EXPECT_EQ(typeid(*grey), typeid(XGrey8Volume));
     EXPECT_TRUE(XVersion(4).IsA(XVersion(XVolume::kLegacyImageClassID)));
     EXPECT_EQ(grey->GetBounds(), X3DRect(10, 20, 0, 13, 21, 1));
     EXPECT_EQ(XGetVoxels(*grey), (std::vector<UInt8>{1, 2, 3}));
     // The same with the rectangle stored as an object.
-    XBytes object;
-    object.Words({4, 34, 34, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words({0});
+    XStreamBytes object;
+    object.Words({4, 34, 34, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}).Words({0});
     EXPECT_TRUE(*ReadBack<XGrey8Volume>(object.Get()) == *grey);
 }
 
 TEST(VolumeStream, LegacyMaskWasStoredInvertedWithPaddedRows)
 {
     // 3 by 2: rows padded to 4 bytes, every byte inverted.
-    XBytes bytes;
-    bytes.Words({5, 0, 0, 2, 3}).Byte(1).Handle({0xFF, 0x00, 0x7F, 0xAA, 0x00, 0xFF, 0x80, 0xAA}, false);
+    XStreamBytes bytes;
+    bytes.Words({5, 0, 0, 2, 3}).Byte(1).Handle({0xFF, 0x00, 0x7F, 0xAA, 0x00, 0xFF, 0x80, 0xAA});
     const auto mask = ReadBack<XMaskVolume>(bytes.Get());
     EXPECT_EQ(mask->GetBounds(), X3DRect(3, 2, 1));
     EXPECT_EQ(XGetVoxels(*mask), (std::vector<UInt8>{0x00, 0xFF, 0x80, 0xFF, 0x00, 0x7F}));
@@ -307,37 +261,37 @@ TEST(VolumeStream, LegacyLevelWordIsReadWhenTheStreamHoldsOne)
         {
             auto word = [&](UInt32 aWord) { return withWord ? std::vector<UInt32>{aWord} : std::vector<UInt32>{}; };
             // 8-bit: rectangle 3 by 1, the voxels, the level word 104 version 1, a null table.
-            XBytes grey(order);
-            grey.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}, false).Words(word(65640)).Words({0});
+            XStreamBytes grey(order);
+            grey.Words({4, 10, 20, 21, 13}).Byte(1).Handle({1, 2, 3}).Words(word(65640)).Words({0});
             EXPECT_EQ(XGetVoxels(*ReadWithFollower<XGrey8Volume>(grey, order)), (std::vector<UInt8>{1, 2, 3}));
             // Floating point: the level word 107 version 1, a null table.
-            XBytes real(order);
-            real.Words({2, 0, 0, 1, 1}).Byte(1).Handle(FloatBytes(-2.5f), false).Words(word(65643)).Words({0});
+            XStreamBytes real(order);
+            real.Words({2, 0, 0, 1, 1}).Byte(1).Handle(FloatBytes(-2.5f)).Words(word(65643)).Words({0});
             EXPECT_EQ(XGetVoxels(*ReadWithFollower<XFPVolume>(real, order)), std::vector<float>{-2.5f});
             // 48-bit: rectangle 2 by 1, no voxels, the level word 112, a null handle, then red,
             // green and blue as planes of samples in the stream's order.
-            XBytes rgb48(order);
+            XStreamBytes rgb48(order);
             rgb48.Words({6, 0, 0, 1, 2}).Byte(0).Words(word(112)).Words({0});
-            rgb48.Handle(Samples(1, 2, order), false).Handle(Samples(300, 400, order), false);
-            rgb48.Handle(Samples(65535, 0, order), false);
+            rgb48.Handle(Samples(1, 2, order)).Handle(Samples(300, 400, order));
+            rgb48.Handle(Samples(65535, 0, order));
             EXPECT_EQ(XGetVoxels(*ReadWithFollower<XRGB48Volume>(rgb48, order)),
                       (std::vector<XRGB48Colour>{XRGB48Colour(1, 300, 65535), XRGB48Colour(2, 400, 0)}));
             // The legacy JPEG colour image of no width carries no body, with or without its word.
-            XBytes empty(order);
+            XStreamBytes empty(order);
             empty.Words({514, 0, 0, 1, 0}).Byte(0).Words(word(66050));
             EXPECT_EQ(ReadWithFollower<XARGB32Volume>(empty, order)->GetBounds(), X3DRect(0, 0, 0, 0, 1, 1));
         }
         // A plain colour image carries the word 108 after its voxels. Without it the word stands
         // for 514, the JPEG form, which cannot hold plain voxels.
-        XBytes colour(order);
-        colour.Words({1, 0, 0, 1, 1}).Byte(1).Handle({9, 8, 7, 6}, false);
+        XStreamBytes colour(order);
+        colour.Words({1, 0, 0, 1, 1}).Byte(1).Handle({9, 8, 7, 6});
         EXPECT_EQ(ErrorOf([&] { ReadBack<XARGB32Volume>(colour.Get(), order); }), UInt32(kErrDamagedStream));
         colour.Words({108});
         EXPECT_EQ(XGetVoxels(*ReadWithFollower<XARGB32Volume>(colour, order)),
                   std::vector<XARGB32Colour>{XARGB32Colour(9, 8, 7, 6)});
         // From version 2 the JPEG form has a length word before its body, so that a reader told
         // to skip the voxels finds the end.
-        XBytes lossy(order);
+        XStreamBytes lossy(order);
         lossy.Words({514, 0, 0, 1, 2}).Byte(0).Words({XVersion(514, 2).GetWord(), 3}).Byte(0xFF).Byte(0xD8).Byte(0xFF);
         lossy.Words(kFollowerWords);
         XSkipJPEGStream stream(lossy.Get(), order);
@@ -354,7 +308,7 @@ TEST(VolumeStream, LossyFormsArePreReadAsDesigned)
     {
         // The colour form of version 2 is read by the object reader: frame, zero voxels (the JPEG
         // body of 5 bytes stepped over), and the rectangle that follows.
-        XBytes colour(order);
+        XStreamBytes colour(order);
         LossyBody(colour.Words({XVersion(12100, 2).GetWord()}), 1);
         XTestMemoryStream stream(colour.Get(), order);
         std::unique_ptr<XARGB32Volume> volume(stream.ReadObjectAs<XARGB32Volume>(XStorable::kSkipData));
@@ -366,7 +320,7 @@ TEST(VolumeStream, LossyFormsArePreReadAsDesigned)
         EXPECT_TRUE(follower && *follower == kFollower);
 
         // An empty volume ends after its row voxels, and nothing is decoded in a normal read.
-        XBytes empty(order);
+        XStreamBytes empty(order);
         LossyBody(empty.Words({XVersion(12100, 2).GetWord()}), 0);
         XTestMemoryStream emptyStream(empty.Get(), order);
         EXPECT_EQ(std::unique_ptr<XARGB32Volume>(emptyStream.ReadObjectAs<XARGB32Volume>())->GetBounds(),
@@ -375,16 +329,16 @@ TEST(VolumeStream, LossyFormsArePreReadAsDesigned)
 
         // Kept as designed: the colour form of version 1 and the grey form 12101 go on to the
         // ordinary chain, which finds the width 7 where the volume's word should be.
-        XBytes oldColour(order);
+        XStreamBytes oldColour(order);
         LossyBody(oldColour.Words({XVersion(12100, 1).GetWord()}), 1);
         EXPECT_EQ(ErrorOf([&] { ReadBack<XStorable>(oldColour.Get(), order); }), 1005u);
-        XBytes grey(order);
+        XStreamBytes grey(order);
         LossyBody(grey.Words({XVersion(12101, 1).GetWord()}), 1);
         EXPECT_EQ(ErrorOf([&] { ReadBack<XStorable>(grey.Get(), order); }), 1005u);
 
         // Called directly: the grey volume takes the colour word 12100 and not its own; the
         // colour volume looks at the word of the object being read, and there is none.
-        XBytes body(order);
+        XStreamBytes body(order);
         LossyBody(body, 1);
         XTestMemoryStream direct(body.Get(), order);
         XGrey8Volume ownWord;
@@ -400,7 +354,7 @@ TEST(VolumeStream, LossyFormsArePreReadAsDesigned)
         EXPECT_TRUE(follower && *follower == kFollower);
 
         // A body longer than the stream.
-        XBytes cut(order);
+        XStreamBytes cut(order);
         cut.Words({7, 2, 1, 1, 2, 3}).Doubles({1.0, 2.0, 0.5}).Words({7, 1000});
         XTestMemoryStream cutStream(cut.Get(), order);
         EXPECT_EQ(ErrorOf([&] { XGrey8Volume().PreReadStream(cutStream, XVersion(12100, 1), XStorable::kSkipData); }),
@@ -410,7 +364,7 @@ TEST(VolumeStream, LossyFormsArePreReadAsDesigned)
 
 TEST(VolumeStream, FormatWordOtherThanZeroLeavesTheVolumeWithoutVoxels)
 {
-    XBytes bytes;
+    XStreamBytes bytes;
     bytes.Words({65641, 520, 2, 1, 1, 0, 0, 0}).Doubles({1.0, 1.0, 1.0}).Words({114, 65638, 2, 1, 103, 65640, 65641});
     const auto volume = ReadBack<XGrey8Volume>(bytes.Get());
     EXPECT_EQ(volume->GetDataSize(), 0u);
@@ -420,8 +374,8 @@ TEST(VolumeStream, FormatWordOtherThanZeroLeavesTheVolumeWithoutVoxels)
 
 TEST(VolumeStream, DamagedStreamsRaiseExceptions)
 {
-    XBytes good;
-    Head(good, 65641).Handle({7, 8}).Words({103, 65640, 65641});
+    XStreamBytes good;
+    Head(good, 65641).Handle({7, 8}, true).Words({103, 65640, 65641});
     const std::vector<UInt8> bytes = good.Get();
     ASSERT_EQ(ErrorReading(bytes), 0u);
     // Cut anywhere.
@@ -447,7 +401,7 @@ TEST(VolumeStream, DamagedStreamsRaiseExceptions)
     // A handle that claims more bytes than the stream holds.
     EXPECT_NE(ErrorReading(patched(20, 1000000)), 0u);
     // The memory handle replaced by a rectangle object.
-    XBytes wrongObject;
+    XStreamBytes wrongObject;
     Head(wrongObject, 65641).Words({34, 34, 0, 0, 1, 1, 103, 65640, 65641});
     EXPECT_EQ(ErrorReading(wrongObject.Get()), 1005u);
 }
@@ -455,9 +409,9 @@ TEST(VolumeStream, DamagedStreamsRaiseExceptions)
 TEST(VolumeStream, RowsWithPadVoxelsAreWalkedAsTheirOperationsSay)
 {
     // A 2 by 2 grey volume whose rows hold 3 voxels: voxels 1 2 [9] / 3 4 [9].
-    XBytes bytes;
+    XStreamBytes bytes;
     bytes.Words({65641, 520, 2, 2, 1, 0, 0, 0}).Doubles({1.0, 1.0, 1.0}).Words({114, 65638, 3, 0});
-    bytes.Handle({1, 2, 9, 3, 4, 9}).Words({103, 65640, 65641});
+    bytes.Handle({1, 2, 9, 3, 4, 9}, true).Words({103, 65640, 65641});
     auto volume = ReadBack<XGrey8Volume>(bytes.Get());
     EXPECT_EQ(volume->GetRowVoxels(), 3u);
     EXPECT_EQ(volume->GetPadVoxels(), 1u);
